@@ -1,0 +1,1 @@
+// Performance-monitoring record conversion between MS and IM forms.

@@ -1,0 +1,371 @@
+/*
+ * libtarv: access to the Ethernet service OAM configuration and state of the
+ * switch (IEEE 802.1ag CFM, ITU-T Y.1731 PM).
+ *
+ * The data lives in the shared-memory region "/kelm-data" (453075 bytes)
+ * that the OAM controller keeps current. A process attaches it once with
+ * Tarv__Open (readers) or Tarv__StorOpen (the configuration-database
+ * manager); every other call is a bounded, synchronous walk over the
+ * region's fixed tables. Nothing is allocated, nothing is cached, no lock is
+ * taken: an answer reflects the region at the moment of the call, and a
+ * record that the controller rewrites during a copy can be seen half old,
+ * half new.
+ *
+ * Byte layouts. Every structure below, in the region and across this
+ * interface, is packed and little-endian. The key and record types are byte
+ * images of that layout: the library copies them as bytes and reads their
+ * fields as little-endian values. On a little-endian host (the switch) the
+ * fields read and write directly; on a big-endian host a caller must store
+ * and load them little-endian.
+ *
+ * Tracing. Calls report through the platform's trace interface (module 142,
+ * debug object DBG_KELM); the messages are listed with each function.
+ *
+ * Calls before an attach. Every function that reads the region answers
+ * without touching memory when no region is attached: it emits one error
+ * trace with code 12 and the text "KELM_SHARED_DATA" and answers as stated
+ * under "Not attached" with each function.
+ *
+ * Valid C11 and C++.
+ */
+#ifndef TARV_TARV_H
+#define TARV_TARV_H
+
+#include <stdint.h>
+
+#if defined(TARV_BUILDING_LIBRARY) && (defined(__GNUC__) || defined(__clang__))
+#define TARV_API __attribute__((visibility("default")))
+#else
+#define TARV_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------------------
+ * Keys
+ * ------------------------------------------------------------------------ */
+
+#pragma pack(push, 1)
+
+/* Managed-object identifier: the key of every object. wClass is the object
+ * class (532 for a MEP); lId1..lId3 are the MD, MaNet and own instance
+ * numbers of MD-rooted objects. Keys are compared as raw bytes. */
+typedef struct TARV_MOID {
+    uint16_t wClass;
+    uint32_t lId1;
+    uint32_t lId2;
+    uint32_t lId3;
+} TARV_MOID;
+
+/* MaNet key: the first 10 bytes of a MOID (wClass 574, MD id, MaNet id). */
+typedef struct TARV_MANET_KEY {
+    uint16_t wClass;
+    uint32_t lId1;
+    uint32_t lId2;
+} TARV_MANET_KEY;
+
+/* Throughput key: wClass 638, MD, MA, MEP and throughput id. */
+typedef struct TARV_THROUGHPUT_KEY {
+    uint16_t wClass;
+    uint32_t lId1;
+    uint32_t lId2;
+    uint32_t lId3;
+    uint32_t lId4;
+} TARV_THROUGHPUT_KEY;
+
+/* PM key: the MOID of the session's MEP followed by the session id 1..8. */
+typedef struct TARV_PM_KEY {
+    TARV_MOID Moid;
+    uint8_t bySessionId;
+} TARV_PM_KEY;
+
+#pragma pack(pop)
+
+#define TARV_MOID_SIZE 14
+#define TARV_MANET_KEY_SIZE 10
+#define TARV_THROUGHPUT_KEY_SIZE 18
+#define TARV_PM_KEY_SIZE 15
+
+/* ------------------------------------------------------------------------
+ * Object classes and record sizes
+ * ------------------------------------------------------------------------ */
+
+#define TARV_CLASS_MD 531u
+#define TARV_CLASS_MEP 532u
+#define TARV_CLASS_MACOMP 573u
+#define TARV_CLASS_MANET 574u
+#define TARV_CLASS_MIP 575u
+#define TARV_CLASS_THROUGHPUT 638u
+#define TARV_CLASS_THROUGHPUT_HISTORY 652u
+#define TARV_CLASS_PM_SESSION 674u
+#define TARV_CLASS_BANDWIDTH_NOTIFICATION 848u
+
+#define TARV_MD_RECORD_SIZE 65
+#define TARV_MEP_RECORD_SIZE 48
+#define TARV_MACOMP_RECORD_SIZE 101
+#define TARV_MANET_RECORD_SIZE 57
+#define TARV_MIP_RECORD_SIZE 14
+#define TARV_THROUGHPUT_RECORD_SIZE 33
+#define TARV_THROUGHPUT_HISTORY_RECORD_SIZE 505
+#define TARV_PM_SESSION_RECORD_SIZE 127
+#define TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE 18
+
+/* Transfer record of the throughput history: 4-byte lHistoryId + record. */
+#define TARV_THROUGHPUT_HISTORY_TRANSFER_SIZE 509
+#define TARV_THROUGHPUT_HISTORY_SLOTS 101
+
+/* ------------------------------------------------------------------------
+ * Attach
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Attaches "/kelm-data" read-only, unless the process is attached already
+ * (then nothing at all is done). On failure: error trace, code 12,
+ * "KELM_SHARED_DATA"; the process stays detached and the next call tries
+ * again. Call once at start-up, from one thread, before any query.
+ */
+TARV_API void Tarv__Open(void);
+
+/*
+ * Attaches "/kelm-data" read-write and makes that mapping the process's only
+ * view (readers and Tarv__SetConfig use it), unless a read-write attach exists
+ * already. After a Tarv__Open it traces error code 0 "Null" and remaps
+ * regardless; the read-only mapping stays mapped but unused. On failure:
+ * error trace, code 0, "Failed", and the process is detached (also from an
+ * earlier read-only view); the next call tries again.
+ */
+TARV_API void Tarv__StorOpen(void);
+
+/* Kept for existing callers; does nothing and may be called at any time. */
+TARV_API void Tarv__SaveXMLIfOldConfig(void);
+
+/* ------------------------------------------------------------------------
+ * Configuration read by class
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Copies every configured object of class lClassId into pConfig as a transfer
+ * list: records of key (K bytes) then record (D bytes), back to back in slot
+ * order, with no alignment. The region is only read.
+ *
+ * Classes and their transfer record size R = K + D:
+ *   526: 18+47   528: 18+93   531 MD: 6+65     532 MEP: 14+48
+ *   571: 14+8    573 MAComp: 14+101            574 MaNet: 10+57
+ *   575 MIP: 14+14            576: 14+6        579: 18+311
+ *   581: 6+16    638 throughput: 18+33         665: 15+54   666: 15+38
+ *   674 PM session: 15+127    848 bandwidth notification: 14+18
+ * For these, at most max(lCount, 1) records are written (lCount 0 counts as
+ * 1). When fewer are written, K zero bytes (an all-zero key) follow the last
+ * record; when exactly that many are written, nothing follows. The caller
+ * provides max(lCount, 1) * R bytes. Slots of classes 665, 666 and 674 are
+ * 1..8 and occupied when key byte 14 equals the slot number; other slots are
+ * occupied when their key is not all zero. Class 848 traces "Enter" at debug
+ * level 6 as "Tarv__GetConfig_BandwidthNotification".
+ *
+ * Singletons 519 (14 bytes), 523 (12) and 673 (5): the record is copied to
+ * the start of pConfig, no terminator; lCount is ignored.
+ * Class 580: nothing is written.
+ * Class 652 (throughput history, 509-byte transfer records, no terminator):
+ * lCount 0 writes the lowest occupied slot only (509 bytes of buffer);
+ * any other lCount writes every occupied slot, up to 101 (51409 bytes of
+ * buffer). Each record written traces "Save Record %ld, result: %s" at debug
+ * level 5 as "Tarv__GetConfig_ThroughputHistory"; the result text printed is
+ * at most its 404 bytes, also when the record holds no terminator.
+ *
+ * Returns 0 for the 21 classes above, 1 for any other class id (nothing is
+ * written, nothing traced). The caller finds the end of a list by the
+ * terminator, by the count it asked for, or, for the whole history, by a
+ * buffer it cleared beforehand.
+ *
+ * Not attached: returns as above; table-backed classes receive only their
+ * K-byte terminator (an empty list), singletons, 580 and 652 nothing.
+ */
+TARV_API int32_t Tarv__GetConfig(uint32_t lClassId, void* pConfig, uint32_t lCount);
+
+/* ------------------------------------------------------------------------
+ * MEP reading and iteration
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Walks the MEP MOIDs in slot order: call with null, then with the previous
+ * result, until null comes back. Returns a pointer to a non-empty slot of the
+ * region's MEP MOID table (read-only to the caller, valid for the life of
+ * the process; its contents change when the controller rewrites the slot).
+ * A previous MOID that is no longer in the table restarts the walk at slot
+ * 0. A previous MOID whose MEP id gives a slot outside 1..32 traces
+ * "Wrong index %d from MepId %ld" at debug level 4; the walk is unaffected.
+ * Not attached: returns null.
+ */
+TARV_API const TARV_MOID* Tarv__MEPMoidIterator(const TARV_MOID* pPrevMoid);
+
+/*
+ * Copies the 48-byte record of the MEP with MOID Moid to pMep. When no slot
+ * holds that MOID, pMep is left untouched and an error is traced (code 3,
+ * "Tarv__ReadMEP() : Unable to read Mep - can't find specified MOID: Class %d
+ * Md %ld MaNet %ld Mep %ld"). An all-zero MOID matches the first empty slot.
+ * pMep must not be null.
+ * Not attached: pMep untouched.
+ */
+TARV_API void Tarv__ReadMEP(TARV_MOID Moid, void* pMep);
+
+/*
+ * Finds OldMoid among the old MEP MOIDs the controller keeps per MEP slot
+ * and stores the slot (0..31) in *pMepIndex. Returns 0 when found, -1 when
+ * pMepIndex is null (error, code 3, "Tarv__GetMepIndexFromOldMoid() :
+ * pMepIndex is null\n") or when the MOID is not found (error, code 3,
+ * "Unable to read Mep - can't find specified MOID: Class %d Md %ld MaNet %ld
+ * Mep %ld"); *pMepIndex is then untouched.
+ * Not attached: returns -1, *pMepIndex untouched.
+ */
+TARV_API int32_t Tarv__GetMepIndexFromOldMoid(TARV_MOID OldMoid, uint16_t* pMepIndex);
+
+/* ------------------------------------------------------------------------
+ * Performance-monitoring records (no region access, no trace, reentrant)
+ * ------------------------------------------------------------------------ */
+
+#pragma pack(push, 1)
+
+/* Delay-measurement record, numeric MS form (213 bytes). Times in
+ * microseconds; float64 fields are IEEE 754 doubles, little-endian. */
+typedef struct DMRecordMS {
+    char acText1[20];
+    uint32_t lWord1;
+    char acText2[20];
+    uint32_t lWord2;
+    double dUs1;
+    uint32_t lWord3;
+    uint32_t lWord4;
+    double dUs2;
+    uint32_t lWord5;
+    uint32_t lWord6;
+    double dUs3;
+    uint32_t lUs1;
+    uint8_t byMsOnly1;
+    uint32_t lUs2;
+    uint8_t byMsOnly2;
+    double dUs4;
+    uint32_t lWord7;
+    uint32_t lWord8;
+    double dUs5;
+    uint32_t lUs3;
+    uint8_t byMsOnly3;
+    uint32_t lUs4;
+    uint8_t byMsOnly4;
+    double dUs6;
+    uint32_t lWord9;
+    uint32_t lWord10;
+    uint32_t lWord11;
+    uint32_t lWord12;
+    uint32_t lWord13;
+    uint32_t lWord14;
+    uint8_t byTail;
+    double dUs7;
+    double dUs8;
+    double dUs9;
+    double dUs10;
+    double dUs11;
+    double dUs12;
+} DMRecordMS;
+
+/* Delay-measurement record, text IM form (625 bytes). The time fields have
+ * the names of their MS counterparts and hold zero-terminated texts of at
+ * most 32 characters in 33-byte fields ("250.50 us"). */
+typedef struct DMRecordIM {
+    char acText1[20];
+    uint32_t lWord1;
+    char acText2[20];
+    uint32_t lWord2;
+    char dUs1[33];
+    uint32_t lWord3;
+    uint32_t lWord4;
+    char dUs2[33];
+    uint32_t lWord5;
+    uint32_t lWord6;
+    char dUs3[33];
+    char lUs1[33];
+    char lUs2[33];
+    char dUs4[33];
+    uint32_t lWord7;
+    uint32_t lWord8;
+    char dUs5[33];
+    char lUs3[33];
+    char lUs4[33];
+    char dUs6[33];
+    uint32_t lWord9;
+    uint32_t lWord10;
+    uint32_t lWord11;
+    uint32_t lWord12;
+    uint32_t lWord13;
+    uint32_t lWord14;
+    uint8_t byTail;
+    char dUs7[33];
+    char dUs8[33];
+    char dUs9[33];
+    char dUs10[33];
+    char dUs11[33];
+    char dUs12[33];
+} DMRecordIM;
+
+/* Loss-measurement record, numeric MS form (130 bytes); percentages. */
+typedef struct LMRecordMS {
+    uint8_t byMsOnly1;
+    char acText1[20];
+    uint32_t lWord1;
+    char acText2[20];
+    uint32_t lWord2;
+    double dPct1;
+    double dPct2;
+    double dPct3;
+    double dPct4;
+    double dPct5;
+    double dPct6;
+    uint32_t lWord3;
+    uint32_t lWord4;
+    uint32_t lWord5;
+    uint32_t lWord6;
+    uint32_t lWord7;
+    uint32_t lWord8;
+    uint32_t lWord9;
+    uint32_t lWord10;
+    uint8_t byTail;
+} LMRecordMS;
+
+/* Loss-measurement record, text IM form (279 bytes); "12.50 %" texts. */
+typedef struct LMRecordIM {
+    char acText1[20];
+    uint32_t lWord1;
+    char acText2[20];
+    uint32_t lWord2;
+    char dPct1[33];
+    char dPct2[33];
+    char dPct3[33];
+    char dPct4[33];
+    char dPct5[33];
+    char dPct6[33];
+    uint32_t lWord3;
+    uint32_t lWord4;
+    uint32_t lWord5;
+    uint32_t lWord6;
+    uint32_t lWord7;
+    uint32_t lWord8;
+    uint32_t lWord9;
+    uint32_t lWord10;
+    uint8_t byTail;
+} LMRecordIM;
+
+#pragma pack(pop)
+
+#define TARV_DM_RECORD_MS_SIZE 213
+#define TARV_DM_RECORD_IM_SIZE 625
+#define TARV_LM_RECORD_MS_SIZE 130
+#define TARV_LM_RECORD_IM_SIZE 279
+
+/* PM_CONVERSION_DOCS */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
