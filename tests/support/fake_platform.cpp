@@ -1,0 +1,165 @@
+#include "support/fake_platform.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace tarv::testing {
+namespace {
+
+TRCD_TRACE g_module_object{0};
+TRCD_TRACE g_other_module_object{0};
+
+// The statement opened by WQ_beginImpl and not yet printed.
+struct Pending {
+    TRCD_TRACE* object = nullptr;
+    std::uint32_t level = 0;
+    std::string file;
+    std::uint32_t line = 0;
+};
+Pending g_pending;
+
+std::string vformat(const char* format, va_list args) {
+    char buffer[2048];
+    std::vsnprintf(buffer, sizeof buffer, format, args);
+    return buffer;
+}
+
+void record(TraceKind kind, TRCD_TRACE* object, const char* function, std::uint32_t module, std::uint32_t code,
+            std::string text) {
+    TraceRecord r{kind, g_pending.level, function, module, code, std::move(text), g_pending.file, g_pending.line,
+                  false};
+    if (g_pending.object != object) r.file = "<no WQ_beginImpl>";
+    fake().traces.push_back(std::move(r));
+}
+
+}  // namespace
+
+FakePlatform& fake() {
+    static FakePlatform platform;
+    return platform;
+}
+
+void FakePlatform::set_debug_level(std::uint32_t level) { DBG_KELM.lLevel = level; }
+void FakePlatform::set_module_level(std::uint32_t level) { g_module_object.lLevel = level; }
+
+GuardedBytes& FakePlatform::region(const std::string& name, std::uint32_t size) {
+    auto it = regions.find(name);
+    if (it == regions.end() || it->second->size() != size)
+        it = regions.insert_or_assign(name, std::make_unique<GuardedBytes>(size)).first;
+    return *it->second;
+}
+
+void FakePlatform::reset() {
+    *this = FakePlatform{};
+    DBG_KELM.lLevel = 0;
+    g_module_object.lLevel = 0;
+    g_pending = Pending{};
+}
+
+std::vector<TraceRecord> FakePlatform::of_kind(TraceKind kind) const {
+    std::vector<TraceRecord> out;
+    for (const auto& t : traces)
+        if (t.kind == kind) out.push_back(t);
+    return out;
+}
+
+std::size_t FakePlatform::count_text(const std::string& text) const {
+    std::size_t n = 0;
+    for (const auto& t : traces) n += t.text == text ? 1 : 0;
+    return n;
+}
+
+}  // namespace tarv::testing
+
+using tarv::testing::fake;
+using tarv::testing::TraceKind;
+
+extern "C" {
+
+TRCD_TRACE DBG_KELM{0};
+
+TRCD_TRACE* Trcd__GetTrace(uint32_t lModule) {
+    return lModule == TRCD_MODULE_KELM ? &tarv::testing::g_module_object : &tarv::testing::g_other_module_object;
+}
+
+void WQ_beginImpl(TRCD_TRACE* pObject, uint32_t lLevel, const char* pSourceFile, uint32_t lLine) {
+    tarv::testing::g_pending = {pObject, lLevel, pSourceFile, lLine};
+}
+
+void WQ_endImpl(TRCD_TRACE* pObject) {
+    auto& traces = fake().traces;
+    if (!traces.empty() && tarv::testing::g_pending.object == pObject) traces.back().closed = true;
+    tarv::testing::g_pending = {};
+}
+
+void Pcor__PrintDebugTrace(TRCD_TRACE* pObject, uint32_t, const char* pFunction, const char* pFormat, ...) {
+    va_list args;
+    va_start(args, pFormat);
+    tarv::testing::record(TraceKind::Debug, pObject, pFunction, 0, 0, tarv::testing::vformat(pFormat, args));
+    va_end(args);
+}
+
+void Pcor__PrintWarningTrace(TRCD_TRACE* pObject, const char* pFunction, uint32_t lModule, uint32_t lCode,
+                             const char* pFormat, ...) {
+    va_list args;
+    va_start(args, pFormat);
+    tarv::testing::record(TraceKind::Warning, pObject, pFunction, lModule, lCode,
+                          tarv::testing::vformat(pFormat, args));
+    va_end(args);
+}
+
+void Pcor__PrintErrorTrace(TRCD_TRACE* pObject, const char* pFunction, uint32_t lModule, uint32_t lCode,
+                           const char* pFormat, ...) {
+    va_list args;
+    va_start(args, pFormat);
+    tarv::testing::record(TraceKind::Error, pObject, pFunction, lModule, lCode,
+                          tarv::testing::vformat(pFormat, args));
+    va_end(args);
+}
+
+void* Pcor__OpenShm(const char* pName, uint32_t lSize, int32_t lReadOnly) {
+    auto& f = fake();
+    f.shm_calls.push_back({pName, lSize, lReadOnly});
+    if (!f.shm_succeeds) return nullptr;
+    return f.region(pName, lSize).data();
+}
+
+void Hwin__Open(void) { ++fake().hwin_open_calls; }
+
+const uint8_t* Hwin__GetUserPortBaseMacAddress(void) {
+    auto& f = fake();
+    return f.has_base_mac ? f.base_mac.data() : nullptr;
+}
+
+int32_t Prtm__GetPortMacAddress(uint32_t lSlot, uint32_t lPort, uint8_t* pMacAddress) {
+    auto& f = fake();
+    f.port_mac_requests.emplace_back(lSlot, lPort);
+    auto it = f.port_macs.find({lSlot, lPort});
+    if (it == f.port_macs.end()) return -1;
+    std::memcpy(pMacAddress, it->second.data(), 6);
+    return 0;
+}
+
+int32_t Prtm__LagGetLagPortList(uint32_t lLagId, uint8_t* pPortList) {
+    auto& f = fake();
+    f.lag_requests.push_back(lLagId);
+    auto it = f.lag_lists.find(lLagId);
+    if (it == f.lag_lists.end()) {
+        std::memset(pPortList, 0, PRTM_LAG_PORT_LIST_SIZE);
+        return -1;
+    }
+    std::memcpy(pPortList, it->second.data(), PRTM_LAG_PORT_LIST_SIZE);
+    return 0;
+}
+
+int32_t Lanx__GetSwitchMode(void) { return fake().switch_mode; }
+
+int32_t Lanx__GetPbPortType(uint32_t lSlot, uint32_t lPort) {
+    auto& f = fake();
+    f.port_type_requests.emplace_back(lSlot, lPort);
+    auto it = f.port_types.find({lSlot, lPort});
+    return it == f.port_types.end() ? 1 : it->second;
+}
+
+}  // extern "C"

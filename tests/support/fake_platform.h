@@ -1,0 +1,84 @@
+// A recording fake of the platform for unit tests.
+//
+// Every trace statement is recorded with its kind, level, function, code,
+// formatted text, source file and line. Pcor__OpenShm hands out zero-filled
+// regions placed directly before an inaccessible guard page, or fails on
+// demand. The chassis, port and switch services answer from settable values.
+#ifndef TARV_TESTS_FAKE_PLATFORM_H
+#define TARV_TESTS_FAKE_PLATFORM_H
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/platform.h"
+#include "support/guard_page.h"
+
+namespace tarv::testing {
+
+enum class TraceKind { Debug, Warning, Error };
+
+struct TraceRecord {
+    TraceKind kind;
+    std::uint32_t level;  // as given to WQ_beginImpl
+    std::string function;
+    std::uint32_t module;  // 142 for warnings and errors, 0 for debug
+    std::uint32_t code;    // 0 for debug
+    std::string text;      // the formatted message
+    std::string file;
+    std::uint32_t line;
+    bool closed;  // WQ_endImpl ran on the same object
+};
+
+struct ShmCall {
+    std::string name;
+    std::uint32_t size;
+    std::int32_t read_only;
+};
+
+struct FakePlatform {
+    // Traces and calls seen since the last reset.
+    std::vector<TraceRecord> traces;
+    std::vector<ShmCall> shm_calls;
+
+    // Level words of DBG_KELM and of module 142.
+    void set_debug_level(std::uint32_t level);
+    void set_module_level(std::uint32_t level);
+
+    // Pcor__OpenShm: when false, every open fails (returns null).
+    bool shm_succeeds = true;
+    // Regions handed out, by name; they live until reset().
+    std::map<std::string, std::unique_ptr<GuardedBytes>> regions;
+    // The region of `name` (created zero-filled on first request).
+    GuardedBytes& region(const std::string& name, std::uint32_t size);
+
+    // Chassis, port and switch model.
+    bool has_base_mac = true;
+    std::array<std::uint8_t, 6> base_mac{0x00, 0x10, 0x20, 0x00, 0x00, 0x10};
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::array<std::uint8_t, 6>> port_macs;
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> port_mac_requests;
+    std::map<std::uint32_t, std::array<std::uint8_t, 20>> lag_lists;
+    std::vector<std::uint32_t> lag_requests;
+    std::int32_t switch_mode = 1;
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::int32_t> port_types;
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> port_type_requests;
+    int hwin_open_calls = 0;
+
+    // Back to the state of a fresh process: no traces, levels 0, no regions.
+    void reset();
+
+    // Traces of one kind, or whose text equals `text`.
+    [[nodiscard]] std::vector<TraceRecord> of_kind(TraceKind kind) const;
+    [[nodiscard]] std::size_t count_text(const std::string& text) const;
+};
+
+// The one fake of this test process.
+FakePlatform& fake();
+
+}  // namespace tarv::testing
+
+#endif
