@@ -66,7 +66,7 @@ std::vector<TraceRecord> FakePlatform::of_kind(TraceKind kind) const {
 
 std::size_t FakePlatform::count_text(const std::string& text) const {
     std::size_t n = 0;
-    for (const auto& t : traces) n += t.text == text ? 1 : 0;
+    for (const auto& t : traces) n += t.text == text ? 1u : 0u;
     return n;
 }
 
