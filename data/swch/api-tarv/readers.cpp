@@ -16,7 +16,7 @@ struct MoidBytes {
 
     [[nodiscard]] int wClass() const noexcept { return load_le<std::uint16_t>(b + moid::kClassOffset); }
     [[nodiscard]] long id(std::uint32_t offset) const noexcept {
-        return static_cast<long>(load_le<std::uint32_t>(b + offset));
+        return trace::as_ld(load_le<std::uint32_t>(b + offset));
     }
     [[nodiscard]] std::uint32_t hint() const noexcept { return slot_hint(b, TARV_MOID_SIZE); }
 };
@@ -34,7 +34,7 @@ extern "C" TARV_API const TARV_MOID* Tarv__MEPMoidIterator(const TARV_MOID* pPre
                                        [](std::uint32_t hint, std::uint32_t last_id) {
                                            TARV_DEBUG(trace::kSuspicious, "Tarv__MEPMoidIterator",
                                                       "Wrong index %d from MepId %ld", static_cast<int>(hint),
-                                                      static_cast<long>(last_id));
+                                                      trace::as_ld(last_id));
                                        });
     return reinterpret_cast<const TARV_MOID*>(next);
 }

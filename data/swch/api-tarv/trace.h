@@ -41,6 +41,14 @@ enum Level : std::uint32_t {
     kDetail = 7,      // checkpoint details and detailed indices
 };
 
+// A 32-bit value for a %ld conversion, printed as the switch prints it: long
+// is 32 bits there, so a value with the top bit set prints negative.
+[[nodiscard]] constexpr long as_ld(std::uint32_t value) noexcept {
+    return static_cast<long>(static_cast<std::int32_t>(value));
+}
+// A 32-bit value for a %lx conversion: the same eight hex digits on every host.
+[[nodiscard]] constexpr unsigned long as_lx(std::uint32_t value) noexcept { return value; }
+
 [[nodiscard]] inline bool debug_on(std::uint32_t level) noexcept {
     return DBG_KELM.lLevel > level - 1u;
 }
