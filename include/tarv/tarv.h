@@ -196,6 +196,9 @@ TARV_API int32_t Tarv__GetConfig(uint32_t lClassId, void* pConfig, uint32_t lCou
  * A previous MOID that is no longer in the table restarts the walk at slot
  * 0. A previous MOID whose MEP id gives a slot outside 1..32 traces
  * "Wrong index %d from MepId %ld" at debug level 4; the walk is unaffected.
+ * When two slots hold the same MOID (a corrupt region), a walk that passes
+ * back the returned pointers still moves forward and ends; a copy of a MOID
+ * is looked up by its bytes and continues after the first slot holding it.
  * Not attached: returns null.
  */
 TARV_API const TARV_MOID* Tarv__MEPMoidIterator(const TARV_MOID* pPrevMoid);

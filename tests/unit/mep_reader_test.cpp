@@ -36,6 +36,23 @@ TEST_F(MepReaderTest, IteratorWalksNonEmptySlotsInSlotOrder) {
     EXPECT_TRUE(fake().traces.empty());
 }
 
+TEST_F(MepReaderTest, IteratorMovesForwardThroughDuplicateMoids) {
+    put_mep(3, 4);
+    put_mep(10, 4);  // a corrupt region: the same MOID twice
+    put_mep(12, 13);
+
+    const TARV_MOID* p = Tarv__MEPMoidIterator(nullptr);
+    EXPECT_EQ(p, slot_address(3));
+    p = Tarv__MEPMoidIterator(p);
+    EXPECT_EQ(p, slot_address(10));
+    p = Tarv__MEPMoidIterator(p);
+    EXPECT_EQ(p, slot_address(12));
+    EXPECT_EQ(Tarv__MEPMoidIterator(p), nullptr);
+
+    const TARV_MOID copy = *slot_address(10);  // a copy is found by its key: the first slot holding it
+    EXPECT_EQ(Tarv__MEPMoidIterator(&copy), slot_address(10));
+}
+
 TEST_F(MepReaderTest, IteratorEndsAfterTheLastSlot) {
     put_mep(0, 1);
     put_mep(31, 32);

@@ -245,9 +245,20 @@ inline constexpr std::uint32_t kNotFound = 0xFFFFFFFFu;
     return kNotFound;
 }
 
+// The slot of table t whose entry starts at p, or kNotFound when p is not
+// the start of one of its entries.
+[[nodiscard]] inline std::uint32_t slot_of(const std::uint8_t* base, Table t, const std::uint8_t* p) noexcept {
+    const TableInfo& ti = info(t);
+    const auto first = reinterpret_cast<std::uintptr_t>(base) + ti.base;
+    const auto at = reinterpret_cast<std::uintptr_t>(p);
+    if (at < first || at >= first + ti.bytes() || (at - first) % ti.entry != 0) return kNotFound;
+    return static_cast<std::uint32_t>((at - first) / ti.entry);
+}
+
 // One step of a MOID iterator over key array t: the address of the next
 // non-empty slot after `prev`, or null at the end. A null `prev` starts at
-// slot 0; a `prev` that is no longer in the table restarts at slot 0.
+// slot 0; a `prev` that is no longer in the table restarts at slot 0. The
+// walk always moves forward, also through duplicate keys.
 // `on_bad_hint(hint, last_id)` runs when prev's hint lies outside the table.
 template <typename OnBadHint>
 [[nodiscard]] const std::uint8_t* iterate(const std::uint8_t* base, Table t, const std::uint8_t* prev,
@@ -264,7 +275,15 @@ template <typename OnBadHint>
             on_bad_hint(hint, load_le<std::uint32_t>(key + ti.key - 4));
             hint = 0;
         }
-        const std::uint32_t found = find_slot(base, t, key, hint);
+        std::uint32_t found = find_slot(base, t, key, hint);
+        // Two slots holding the same key would send the walk back to the
+        // first of them forever; a previous pointer into the table itself
+        // therefore continues after its own slot while that slot still holds
+        // the key.
+        const std::uint32_t own = slot_of(base, t, prev);
+        if (found != kNotFound && own != kNotFound && own > found &&
+            std::memcmp(entry(base, t, own), key, ti.key) == 0)
+            found = own;
         if (found != kNotFound) {
             start = found + 1;
             if (start == ti.slots) return nullptr;
