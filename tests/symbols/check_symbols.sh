@@ -8,17 +8,19 @@
 # usage: check_symbols.sh libtarv.so exported.txt platform.txt c_runtime.txt
 set -eu
 lib=$1 exported=$2 platform=$3 runtime=$4
+NM=${NM:-nm}
+READELF=${READELF:-readelf}
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
 status=0
 
-nm -D --defined-only "$lib" | awk '$2 ~ /^[A-Z]$/ {print $3}' | sort -u > "$tmp/defined"
+"$NM" -D --defined-only "$lib" | awk '$2 ~ /^[A-Z]$/ {print $3}' | sort -u > "$tmp/defined"
 sort -u "$exported" > "$tmp/exported"
 if ! diff -u "$tmp/exported" "$tmp/defined"; then
     echo "defined symbols differ from the exported interface (- expected, + found)"; status=1
 fi
 
-nm -D --undefined-only "$lib" | awk '$1 == "U" {print $2}' > "$tmp/undefined"
+"$NM" -D --undefined-only "$lib" | awk '$1 == "U" {print $2}' > "$tmp/undefined"
 grep -v '@' "$tmp/undefined" | sort -u > "$tmp/platform_found" || true
 sort -u "$platform" > "$tmp/platform"
 if ! diff -u "$tmp/platform" "$tmp/platform_found"; then
@@ -32,11 +34,11 @@ if [ -n "$extra" ]; then
     echo "undefined symbols outside the C runtime list:"; echo "$extra"; status=1
 fi
 
-needed=$(readelf -d "$lib" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -v -E '^(libc\.so\.6|libm\.so\.6|libstdc\+\+\.so\.6|libgcc_s\.so\.1|ld-linux.*)$' || true)
+needed=$("$READELF" -d "$lib" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -v -E '^(libc\.so\.6|libm\.so\.6|libstdc\+\+\.so\.6|libgcc_s\.so\.1|ld-linux.*)$' || true)
 if [ -n "$needed" ]; then
     echo "needs shared objects beyond the C and C++ runtime:"; echo "$needed"; status=1
 fi
-soname=$(readelf -d "$lib" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
+soname=$("$READELF" -d "$lib" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
 if [ "$soname" != "libtarv.so" ]; then
     echo "SONAME is '$soname', expected libtarv.so"; status=1
 fi
