@@ -1,0 +1,119 @@
+// Named shared memory of the host platform over POSIX shm_open and mmap.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "host_model.h"
+#include "platform/pcor.h"
+
+namespace tarv::host {
+namespace {
+
+constexpr mode_t kCreateMode = 0660;
+
+// Object name for `name`: the prefix goes right after the leading slash.
+bool object_name(const char* name, char* out, std::size_t size) noexcept {
+    if (name == nullptr || name[0] != '/' || name[1] == '\0' || std::strchr(name + 1, '/') != nullptr) return false;
+    const char* prefix = model().shm_prefix;
+    const std::size_t length = 1 + std::strlen(prefix) + std::strlen(name + 1);
+    if (length > TARV_HOST_SHM_NAME_MAX || length >= size) return false;
+    out[0] = '/';
+    std::strcpy(out + 1, prefix);
+    std::strcat(out, name + 1);
+    return true;
+}
+
+// Opens the object; for read-write access creates it when it is missing.
+// Sets `created` when this call made the object.
+int open_object(const char* object, bool read_only, bool& created) noexcept {
+    created = false;
+    if (read_only) return shm_open(object, O_RDONLY | O_CLOEXEC, 0);
+    // The object can vanish between a refused exclusive create and the open
+    // of the existing one; one more round settles that.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        int fd = shm_open(object, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kCreateMode);
+        if (fd >= 0) {
+            created = true;
+            return fd;
+        }
+        if (errno != EEXIST) return -1;
+        fd = shm_open(object, O_RDWR | O_CLOEXEC, 0);
+        if (fd >= 0 || errno != ENOENT) return fd;
+    }
+    return -1;
+}
+
+void* map_object(const char* object, std::uint32_t size, bool read_only, std::int32_t flag) noexcept {
+    bool created = false;
+    const int fd = open_object(object, read_only, created);
+    if (fd < 0) {
+        if (!(read_only && errno == ENOENT))
+            diagnostic("Pcor__OpenShm(\"%s\", %u, %d): open: %s", object, size, flag, std::strerror(errno));
+        return nullptr;
+    }
+    const char* failed = nullptr;
+    int error = 0;
+    struct stat st {};
+    if (created && fchmod(fd, kCreateMode) != 0) {
+        failed = "fchmod";
+    } else if (created && ftruncate(fd, static_cast<off_t>(size)) != 0) {
+        failed = "ftruncate";
+    } else if (fstat(fd, &st) != 0) {
+        failed = "fstat";
+    } else if (st.st_size < static_cast<off_t>(size)) {
+        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): the object has %lld bytes, fewer than asked", object, size, flag,
+                   static_cast<long long>(st.st_size));
+        close(fd);
+        return nullptr;
+    }
+    if (failed != nullptr) {
+        error = errno;
+    } else {
+        void* base = mmap(nullptr, size, read_only ? PROT_READ : PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+        if (base != MAP_FAILED) {
+            close(fd);  // the mapping keeps the object
+            return base;
+        }
+        error = errno;
+        failed = "mmap";
+    }
+    diagnostic("Pcor__OpenShm(\"%s\", %u, %d): %s: %s", object, size, flag, failed, std::strerror(error));
+    close(fd);
+    if (created) shm_unlink(object);  // leave no half-made object behind
+    return nullptr;
+}
+
+}  // namespace
+}  // namespace tarv::host
+
+extern "C" {
+
+void* Pcor__OpenShm(const char* pName, uint32_t lSize, int32_t lReadOnly) {
+    using namespace tarv::host;
+    char object[TARV_HOST_SHM_NAME_MAX + 1];
+    if (!object_name(pName, object, sizeof object)) {
+        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): not a valid object name", pName != nullptr ? pName : "(null)", lSize,
+                   lReadOnly);
+        return nullptr;
+    }
+    if (lReadOnly != PCOR_SHM_READ_ONLY && lReadOnly != PCOR_SHM_READ_WRITE) {
+        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): unknown access flag", object, lSize, lReadOnly);
+        return nullptr;
+    }
+    if (lSize == 0) {
+        diagnostic("Pcor__OpenShm(\"%s\", 0, %d): size 0", object, lReadOnly);
+        return nullptr;
+    }
+    return map_object(object, lSize, lReadOnly == PCOR_SHM_READ_ONLY, lReadOnly);
+}
+
+int TarvHost_ShmObjectName(const char* pName, char* pBuffer, size_t lSize) {
+    if (pBuffer == nullptr) return -1;
+    return tarv::host::object_name(pName, pBuffer, lSize) ? 0 : -1;
+}
+
+}  // extern "C"
