@@ -29,12 +29,12 @@
 #define REGION_SIZE 453075u
 
 /* The tables this program writes: base offset in the region, entry size. */
-#define MANET_DATA 368629u /* 57-byte MaNet records, 128 slots */
-#define MANET_MOID 375925u /* 10-byte MaNet keys */
-#define MD_DATA 377205u    /* 65-byte MD records, 128 slots */
-#define MD_MOID 385525u    /* 6-byte MD keys */
-#define MEP_DATA 386293u   /* 48-byte MEP records, 32 slots */
-#define MEP_MOID 387829u   /* 14-byte MEP keys */
+#define MANET_DATA 368629u   /* 57-byte MaNet records, 128 slots */
+#define MANET_MOID 375925u   /* 10-byte MaNet keys */
+#define MD_DATA 377205u      /* 65-byte MD records, 128 slots */
+#define MD_MOID 385525u      /* 6-byte MD keys */
+#define MEP_DATA 386293u     /* 48-byte MEP records, 32 slots */
+#define MEP_MOID 387829u     /* 14-byte MEP keys */
 #define MEP_OLD_MOID 388277u /* 14-byte old MEP keys kept per MEP slot */
 #define MANET_SIZE 57u
 #define MANET_KEY 10u

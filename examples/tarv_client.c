@@ -24,16 +24,20 @@ static int all_zero(const uint8_t* p, unsigned n) {
     return 1;
 }
 
+static const char* direction_name(unsigned long eDirection) {
+    if (eDirection == 1) return "Down";
+    return eDirection == 2 ? "Up" : "unknown direction";
+}
+
 static void print_mep(const TARV_MOID* moid) {
     const uint8_t* key = (const uint8_t*)moid;
     uint8_t mep[TARV_MEP_RECORD_SIZE];
     Tarv__ReadMEP(*moid, mep);
 
     unsigned slot = mep[46], port = mep[47];
-    unsigned long direction = le32(mep + 2);
     printf("MEP Md %lu MaNet %lu Mep %lu: MEP id %u, slot/port %u/%u%s, VLAN %u, %s\n", le32(key + 2), le32(key + 6),
            le32(key + 10), le16(mep + 0), slot, port, slot == 2 ? " (LAG)" : "", le16(mep + 6),
-           direction == 1 ? "Down" : direction == 2 ? "Up" : "unknown direction");
+           direction_name(le32(mep + 2)));
 }
 
 int main(void) {

@@ -49,9 +49,8 @@ __attribute__((format(printf, 5, 0))) void emit(const TRCD_TRACE* object, std::u
     }
     const bool opened = t_statement.object == object && t_statement.file != nullptr;
     char line[kMessageSize + 256];
-    std::snprintf(line, sizeof line, "tarv L%u %s code=%s %s:%u: %s\n", level,
-                  function != nullptr ? function : "?", code, opened ? t_statement.file : "?",
-                  opened ? t_statement.line : 0u, message);
+    std::snprintf(line, sizeof line, "tarv L%u %s code=%s %s:%u: %s\n", level, function != nullptr ? function : "?",
+                  code, opened ? t_statement.file : "?", opened ? t_statement.line : 0u, message);
     std::FILE* stream = model().trace_stream != nullptr ? model().trace_stream : stderr;
     std::fputs(line, stream);
     std::fflush(stream);
@@ -89,8 +88,8 @@ void Pcor__PrintDebugTrace(TRCD_TRACE* pObject, uint32_t lLevel, const char* pFu
     va_end(args);
 }
 
-void Pcor__PrintWarningTrace(TRCD_TRACE* pObject, const char* pFunction, uint32_t, uint32_t lCode,
-                             const char* pFormat, ...) {
+void Pcor__PrintWarningTrace(TRCD_TRACE* pObject, const char* pFunction, uint32_t, uint32_t lCode, const char* pFormat,
+                             ...) {
     char code[12];
     std::snprintf(code, sizeof code, "%u", lCode);
     va_list args;
@@ -99,8 +98,8 @@ void Pcor__PrintWarningTrace(TRCD_TRACE* pObject, const char* pFunction, uint32_
     va_end(args);
 }
 
-void Pcor__PrintErrorTrace(TRCD_TRACE* pObject, const char* pFunction, uint32_t, uint32_t lCode,
-                           const char* pFormat, ...) {
+void Pcor__PrintErrorTrace(TRCD_TRACE* pObject, const char* pFunction, uint32_t, uint32_t lCode, const char* pFormat,
+                           ...) {
     char code[12];
     std::snprintf(code, sizeof code, "%u", lCode);
     va_list args;

@@ -108,18 +108,15 @@ TEST_F(ModelTest, PortMacIsBaseMacPlusSlotAndPort) {
     TarvHost_SetBaseMac(high.data());
     EXPECT_EQ(port_mac(0, 0x20), (Mac{0x00, 0x10, 0x20, 0x00, 0x00, 0x10}));
     EXPECT_EQ(port_mac(0xFFFFFFFFu, 0), (Mac{0x00, 0x10, 0x20, 0xFF, 0xFE, 0xF0}));
-}
 
-TEST_F(ModelTest, UnknownBaseMacFailsPortMacsAndLeavesTheBuffer) {
+    // Without a base MAC no port has an address; the buffer stays as it was.
+    EXPECT_EQ(Prtm__GetPortMacAddress(1, 1, nullptr), -1);
     TarvHost_SetBaseMac(nullptr);
     EXPECT_EQ(Hwin__GetUserPortBaseMacAddress(), nullptr);
     Mac mac;
     mac.fill(0xEE);
     EXPECT_EQ(Prtm__GetPortMacAddress(1, 1, mac.data()), -1);
     EXPECT_EQ(mac, (Mac{0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE}));
-
-    TarvHost_SetBaseMac(kDefaultMac.data());
-    EXPECT_EQ(Prtm__GetPortMacAddress(1, 1, nullptr), -1);
 }
 
 TEST_F(ModelTest, LagListIsCountThenPairsThenZeros) {
@@ -137,20 +134,16 @@ TEST_F(ModelTest, LagListIsCountThenPairsThenZeros) {
     std::copy(nine.begin(), nine.end(), full.begin() + 1);
     EXPECT_EQ(lag_list(255), full) << "nine members fill 19 bytes, the 20th stays zero";
 
+    // Refused member lists change nothing.
+    const std::vector<std::uint8_t> ten(20, 1);
+    EXPECT_EQ(TarvHost_SetLagMembers(5, ten.data(), 10), -1);
+    EXPECT_EQ(TarvHost_SetLagMembers(5, nullptr, 1), -1);
+    EXPECT_EQ(TarvHost_SetLagMembers(256, two, 2), -1);
+    EXPECT_EQ(lag_list(5), expected_list({2, 1, 1, 1, 2}));
+    EXPECT_EQ(lag_list(0), LagList{}) << "lag 256 must not wrap onto lag 0";
+
     ASSERT_EQ(TarvHost_SetLagMembers(5, nullptr, 0), 0);
     EXPECT_EQ(lag_list(5), LagList{});
-}
-
-TEST_F(ModelTest, RefusedLagMembersChangeNothing) {
-    const std::uint8_t one[] = {3, 4};
-    ASSERT_EQ(TarvHost_SetLagMembers(7, one, 1), 0);
-    const std::vector<std::uint8_t> ten(20, 1);
-    EXPECT_EQ(TarvHost_SetLagMembers(7, ten.data(), 10), -1);
-    EXPECT_EQ(TarvHost_SetLagMembers(7, nullptr, 1), -1);
-    EXPECT_EQ(TarvHost_SetLagMembers(256, one, 1), -1);
-    EXPECT_EQ(lag_list(7), expected_list({1, 3, 4}));
-    EXPECT_EQ(lag_list(256), LagList{});
-    EXPECT_EQ(lag_list(0), LagList{}) << "lag 256 must not wrap onto lag 0";
 }
 
 TEST_F(ModelTest, PortTypesAreKeptPerPortUpToTheTableSize) {
@@ -214,8 +207,7 @@ TEST_F(ModelTest, EnvironmentValuesAtTheirLimits) {
     EXPECT_EQ(Lanx__GetSwitchMode(), INT32_MIN);
     EXPECT_EQ(Lanx__GetPbPortType(255, 255), INT32_MAX);
     EXPECT_EQ(Lanx__GetPbPortType(0, 0), 0);
-    EXPECT_EQ(lag_list(255),
-              expected_list({9, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 255, 255}));
+    EXPECT_EQ(lag_list(255), expected_list({9, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 255, 255}));
     EXPECT_EQ(object_name("/x"), "/" + prefix + "x");
 
     setenv("TARV_SWITCH_MODE", "2147483647", 1);
@@ -233,44 +225,34 @@ TEST_F(ModelTest, InvalidValuesAreIgnoredWithOneLineEach) {
     const Snapshot defaults = Snapshot::take();
     const std::string too_many_types = [] {
         std::string s;
-        for (int port = 1; port <= TARV_HOST_PORT_TYPES_MAX + 1; ++port) s += (port > 1 ? ",1/" : "1/") + std::to_string(port) + "=3";
+        for (int port = 1; port <= TARV_HOST_PORT_TYPES_MAX + 1; ++port)
+            s += (port > 1 ? ",1/" : "1/") + std::to_string(port) + "=3";
         return s;
     }();
     const struct {
         const char* name;
         std::string value;
     } cases[] = {
-        {"TARV_DEBUG_LEVEL", ""},
         {"TARV_DEBUG_LEVEL", "-1"},
         {"TARV_DEBUG_LEVEL", "4294967296"},
-        {"TARV_DEBUG_LEVEL", "5x"},
         {"TARV_DEBUG_LEVEL", " 5"},
         {"TARV_TRACE_LEVEL", "two"},
         {"TARV_BASE_MAC", "00:10:20:00:00"},
-        {"TARV_BASE_MAC", "00:10:20:00:00:10:00"},
         {"TARV_BASE_MAC", "0:10:20:00:00:10"},
-        {"TARV_BASE_MAC", "00-10-20-00-00-10"},
         {"TARV_BASE_MAC", "00:10:20:00:00:1g"},
         {"TARV_SWITCH_MODE", "2147483648"},
-        {"TARV_SWITCH_MODE", "-2147483649"},
         {"TARV_SWITCH_MODE", "1.5"},
-        {"TARV_SWITCH_MODE", "-"},
-        {"TARV_PORT_TYPES", "1/3"},
         {"TARV_PORT_TYPES", "1/3="},
         {"TARV_PORT_TYPES", "256/1=3"},
         {"TARV_PORT_TYPES", "1/3=3,"},
-        {"TARV_PORT_TYPES", "1/3=3;4/2=1"},
         {"TARV_PORT_TYPES", "1/3=3,4/2=x"},
         {"TARV_PORT_TYPES", too_many_types},
-        {"TARV_LAGS", "5"},
         {"TARV_LAGS", "5=1"},
         {"TARV_LAGS", "5=1/1,"},
-        {"TARV_LAGS", "5=1/1;;"},
         {"TARV_LAGS", "256=1/1"},
         {"TARV_LAGS", "5=1/256"},
         {"TARV_LAGS", "5=1/1,1/2,1/3,1/4,1/5,1/6,1/7,1/8,1/9,1/10"},
         {"TARV_SHM_PREFIX", "a/b"},
-        {"TARV_SHM_PREFIX", "with space"},
         {"TARV_SHM_PREFIX", std::string(TARV_HOST_SHM_PREFIX_MAX + 1, 'a')},
     };
     for (const auto& c : cases) {

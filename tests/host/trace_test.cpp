@@ -86,27 +86,23 @@ TEST_F(TraceTest, EveryStatementIsExactlyOneLine) {
               "tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:1: pMepIndex is null\n"
               "tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:2: two  parts\n"
               "tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:3: \n");
-}
 
-TEST_F(TraceTest, LongMessagesAreCutToOneLine) {
-    TarvHost_SetDebugLevel(7);
     const std::string text(5000, 'x');
-    debug(4, 1, text.c_str());
+    debug(4, 4, text.c_str());
     const std::string out = written();
-    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1);
-    EXPECT_EQ(out.back(), '\n');
-    EXPECT_GT(out.size(), 1000u);
-    EXPECT_LT(out.size(), text.size());
+    const std::string last = out.substr(out.rfind("tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:4: "));
+    EXPECT_EQ(std::count(last.begin(), last.end(), '\n'), 1) << "cut, but still one line";
+    EXPECT_EQ(last.back(), '\n');
+    EXPECT_GT(last.size(), 1000u);
+    EXPECT_LT(last.size(), text.size());
 }
 
 TEST_F(TraceTest, PrintOutsideAnOpenStatementHasNoPlace) {
     TarvHost_SetDebugLevel(7);
     Pcor__PrintDebugTrace(&DBG_KELM, 4, "Tarv__ReadMEP", "no statement");
-    // Opened on another object, so not this print's statement.
-    WQ_beginImpl(Trcd__GetTrace(TRCD_MODULE_KELM), 1, kPath, 9);
+    WQ_beginImpl(Trcd__GetTrace(TRCD_MODULE_KELM), 1, kPath, 9);  // another object's statement
     Pcor__PrintDebugTrace(&DBG_KELM, 4, "Tarv__ReadMEP", "other object");
     WQ_endImpl(Trcd__GetTrace(TRCD_MODULE_KELM));
-    // Closed statements leave nothing behind.
     debug(4, 10, "closed");
     Pcor__PrintDebugTrace(&DBG_KELM, 4, "Tarv__ReadMEP", "after end");
     EXPECT_EQ(written(),
@@ -116,66 +112,52 @@ TEST_F(TraceTest, PrintOutsideAnOpenStatementHasNoPlace) {
               "tarv L4 Tarv__ReadMEP code=- ?:0: after end\n");
 }
 
-TEST_F(TraceTest, DebugLinesNeedTheDebugLevel) {
+// Debug lines need DBG_KELM's level; warnings and errors need module 142's,
+// and neither level word plays a part in the other's lines.
+TEST_F(TraceTest, LinesFollowTheirObjectsLevelWord) {
     TarvHost_SetModuleLevel(0);
     TarvHost_SetDebugLevel(4);
     debug(5, 1, "level 5 at 4");
     debug(4, 2, "level 4 at 4");
+    error(12, 3, "error at module 0");
     TarvHost_SetDebugLevel(0);
-    debug(4, 3, "level 4 at 0");
+    debug(4, 4, "level 4 at 0");
+    TarvHost_SetModuleLevel(1);
+    error(12, 5, "error at module 1");
+    warning(3, 6, "warning at module 1");
+    TarvHost_SetModuleLevel(2);
+    warning(3, 7, "warning at module 2");
     TarvHost_SetDebugLevel(0xFFFFFFFFu);
-    debug(7, 4, "level 7 at max");
+    debug(7, 8, "level 7 at max");
     EXPECT_EQ(written(),
               "tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:2: level 4 at 4\n"
-              "tarv L7 Tarv__ReadMEP code=- data/swch/api-tarv:4: level 7 at max\n");
-}
-
-TEST_F(TraceTest, WarningsAndErrorsNeedTheModuleLevel) {
-    TarvHost_SetDebugLevel(7);  // the debug level plays no part
-    TarvHost_SetModuleLevel(0);
-    error(12, 1, "error at 0");
-    warning(3, 2, "warning at 0");
-    TarvHost_SetModuleLevel(1);
-    error(12, 3, "error at 1");
-    warning(3, 4, "warning at 1");
-    TarvHost_SetModuleLevel(2);
-    warning(3, 5, "warning at 2");
-    EXPECT_EQ(written(),
-              "tarv L1 Tarv__Open code=12 data/swch/api-tarv:3: error at 1\n"
-              "tarv L2 Tarv__GetConfig code=3 data/swch/api-tarv:5: warning at 2\n");
+              "tarv L1 Tarv__Open code=12 data/swch/api-tarv:5: error at module 1\n"
+              "tarv L2 Tarv__GetConfig code=3 data/swch/api-tarv:7: warning at module 2\n"
+              "tarv L7 Tarv__ReadMEP code=- data/swch/api-tarv:8: level 7 at max\n");
 }
 
 TEST_F(TraceTest, DefaultsShowErrorsOnly) {
+    TRCD_TRACE* kelm = Trcd__GetTrace(TRCD_MODULE_KELM);
+    TRCD_TRACE* other = Trcd__GetTrace(1);
+    ASSERT_TRUE(kelm != nullptr && other != nullptr);
+    EXPECT_EQ(Trcd__GetTrace(0xFFFFFFFFu), other) << "one object for every other module";
+    EXPECT_TRUE(kelm != other && kelm != &DBG_KELM);
     EXPECT_EQ(DBG_KELM.lLevel, 0u);
-    EXPECT_EQ(Trcd__GetTrace(TRCD_MODULE_KELM)->lLevel, 1u);
+    EXPECT_EQ(kelm->lLevel, 1u);
+    EXPECT_EQ(other->lLevel, 0u);
+
     debug(4, 1, "debug");
     warning(3, 2, "warning");
     error(12, 3, "error");
     EXPECT_EQ(written(), "tarv L1 Tarv__Open code=12 data/swch/api-tarv:3: error\n");
 }
 
-TEST_F(TraceTest, ModuleObjectsAndTheirLevelWords) {
-    TRCD_TRACE* kelm = Trcd__GetTrace(TRCD_MODULE_KELM);
-    TRCD_TRACE* other = Trcd__GetTrace(1);
-    ASSERT_NE(kelm, nullptr);
-    ASSERT_NE(other, nullptr);
-    EXPECT_EQ(Trcd__GetTrace(TRCD_MODULE_KELM), kelm);
-    EXPECT_EQ(Trcd__GetTrace(0xFFFFFFFFu), other);
-    EXPECT_NE(kelm, other);
-    EXPECT_NE(kelm, &DBG_KELM);
-
-    TarvHost_SetModuleLevel(3);
-    TarvHost_SetDebugLevel(6);
-    EXPECT_EQ(kelm->lLevel, 3u);
-    EXPECT_EQ(DBG_KELM.lLevel, 6u);
-    EXPECT_EQ(other->lLevel, 0u);
-}
-
 TEST_F(TraceTest, NoStreamMeansStderr) {
     TarvHost_SetTraceStream(nullptr);
     ::testing::internal::CaptureStderr();
     error(26, 5, "pData is null");
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "tarv L1 Tarv__Open code=26 data/swch/api-tarv:5: pData is null\n");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "tarv L1 Tarv__Open code=26 data/swch/api-tarv:5: pData is null\n");
     EXPECT_EQ(written(), "");
 }
 
