@@ -229,9 +229,9 @@ struct TextBuilder {
     std::size_t n = 0;
 
     void put(char ch) noexcept { c[n++] = ch; }
+    // Units and decimal points are a few bytes: a loop beats a memcpy call.
     void put(Piece p) noexcept {
-        std::memcpy(c + n, p.text, p.size);
-        n += p.size;
+        for (std::size_t i = 0; i < p.size; ++i) c[n++] = p.text[i];
     }
     void put(const char* s) noexcept { put(Piece{s, std::strlen(s)}); }
     // The decimal digits of v, without leading zeros ("0" for zero).
@@ -256,7 +256,7 @@ struct TextBuilder {
     // Writes the text and its terminator from the field's first byte; the
     // bytes after the terminator are not touched.
     void store(std::uint8_t* field) const noexcept {
-        std::memcpy(field, c, n);
+        for (std::size_t i = 0; i < n; ++i) field[i] = static_cast<std::uint8_t>(c[i]);
         field[n] = 0;
     }
 };
@@ -366,8 +366,16 @@ void store_real(std::uint8_t* field, double value, Piece point, Piece unit) noex
             scaled = product >> shift;
             if (rest > half || (rest == half && (scaled & 1u) != 0u)) ++scaled;
         }
-        hundredths = static_cast<std::uint32_t>(scaled % 100u);
-        Limbs(scaled / 100u).put(out);
+        if (scaled <= UINT32_MAX) {
+            // Below 43 million, the usual case: 32-bit arithmetic, which a
+            // 32-bit CPU does without a library call.
+            const auto small = static_cast<std::uint32_t>(scaled);
+            hundredths = small % 100u;
+            out.put_uint(small / 100u);
+        } else {
+            hundredths = static_cast<std::uint32_t>(scaled % 100u);
+            Limbs(scaled / 100u).put(out);
+        }
     }
     out.put(point);
     out.put(static_cast<char>('0' + hundredths / 10u));
@@ -460,16 +468,35 @@ inline constexpr int kMaxFastDecimals = 22;  // 10^22 is the largest exact power
 // Conversion
 // ---------------------------------------------------------------------------
 
+// Copies a field whose bytes are the same in both forms; the usual widths get
+// a fixed-size copy the compiler inlines.
+void copy_bytes(std::uint8_t* to, const std::uint8_t* from, std::size_t size) noexcept {
+    switch (size) {
+        case 1:
+            *to = *from;
+            break;
+        case 4:
+            std::memcpy(to, from, 4);
+            break;
+        case 20:
+            std::memcpy(to, from, 20);
+            break;
+        default:
+            std::memcpy(to, from, size);
+            break;
+    }
+}
+
 template <std::size_t N>
 void ms_to_im(const FieldMap (&fields)[N], Piece unit, std::uint8_t* im, const std::uint8_t* ms) noexcept {
     const Piece point = locale_decimal_point();
     for (const FieldMap& f : fields) {
         switch (f.rule) {
             case Rule::Copy:
-                std::memcpy(im + f.im, ms + f.ms, f.ms_size);
+                copy_bytes(im + f.im, ms + f.ms, f.ms_size);
                 break;
             case Rule::Text20:
-                std::memcpy(im + f.im, ms + f.ms, f.ms_size);
+                copy_bytes(im + f.im, ms + f.ms, f.ms_size);
                 im[f.im + f.im_size - 1u] = 0;
                 break;
             case Rule::Real:
@@ -491,7 +518,7 @@ void im_to_ms(const FieldMap (&fields)[N], std::uint8_t* ms, const std::uint8_t*
         switch (f.rule) {
             case Rule::Copy:
             case Rule::Text20:
-                std::memcpy(ms + f.ms, im + f.im, f.ms_size);
+                copy_bytes(ms + f.ms, im + f.im, f.ms_size);
                 break;
             case Rule::Real: {
                 double value = 0.0;
