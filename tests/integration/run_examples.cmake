@@ -1,6 +1,10 @@
 # Runs the example clients as real processes on a private copy of the data
 # region: tarv-client must fail while the region is missing, then list what
-# kelm-seed wrote. Arguments: -DSEED=<kelm-seed> -DCLIENT=<tarv-client>
+# kelm-seed wrote. Arguments: -DSEED=<kelm-seed> -DCLIENT=<tarv-client>, and
+# -DEMULATOR=<command|args> that runs target programs in cross builds.
+string(REPLACE "|" ";" EMULATOR "${EMULATOR}")
+set(SEED ${EMULATOR} ${SEED})
+set(CLIENT ${EMULATOR} ${CLIENT})
 string(RANDOM LENGTH 10 ALPHABET 0123456789abcdef tag)
 set(ENV{TARV_SHM_PREFIX} "ex${tag}-")
 set(problems "")
