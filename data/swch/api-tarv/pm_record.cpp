@@ -223,8 +223,8 @@ inline constexpr Piece kUnitPercent{" %", 2};
 // Builds one text in a local buffer, so that nothing is written into a field
 // before it is known to fit.
 struct TextBuilder {
-    // Sign, up to 36 digits, a decimal point of at most kMaxText bytes, two
-    // decimals and a unit: never more than 1 + 36 + 32 + 2 + 3 bytes.
+    // Sign, up to 28 integer digits (below 2^90), a decimal point of at most
+    // kMaxText bytes, two decimals and a unit: at most 1 + 28 + 32 + 2 + 3.
     char c[80];
     std::size_t n = 0;
 
@@ -303,17 +303,16 @@ struct Limbs {
 };
 
 // The text of "%.17g" followed by the unit, for the values whose "%.2f" text
-// does not fit a text33 field (magnitudes of about 10^25 and above). It
-// reads back as the same double. Only a locale whose decimal point is
-// several bytes long could make it exceed 32 characters; it is then cut.
+// does not fit a text33 field (magnitudes of about 10^25 and above): at most
+// 24 characters and the unit, and it reads back as the same double. Only a
+// locale whose decimal point is many bytes long could make it exceed 32
+// characters; it is then cut after the 32nd.
 void store_long_real(std::uint8_t* field, double value, Piece unit) noexcept {
-    char text[kMaxText + 96];
+    char text[128];
     const int written = std::snprintf(text, sizeof text, "%.17g", value);
     std::size_t n = written > 0 ? static_cast<std::size_t>(written) : 0u;
-    if (n > sizeof text - 1) n = sizeof text - 1;
-    std::memcpy(text + n, unit.text, unit.size);
-    n += unit.size;
     if (n > kMaxText) n = kMaxText;
+    for (std::size_t i = 0; i < unit.size && n < kMaxText; ++i) text[n++] = unit.text[i];
     std::memcpy(field, text, n);
     field[n] = 0;
 }
