@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 #include "byteorder.h"
 #include "pm_record.h"
 #include "tarv/tarv.h"
@@ -177,6 +179,9 @@ void register_all() {
 // figures side by side with their ratio. With repetitions the median is used.
 class RatioReporter : public benchmark::ConsoleReporter {
 public:
+    // Colours only on a terminal, so that a redirected report stays plain.
+    RatioReporter() : ConsoleReporter(isatty(STDOUT_FILENO) != 0 ? OO_Defaults : OO_Tabular) {}
+
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& r : runs) {
             if (r.error_occurred) continue;
