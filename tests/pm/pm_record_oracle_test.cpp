@@ -237,25 +237,5 @@ TEST(PmRecordOracle, ParsingMatchesSscanfOnGeneratedTexts) {
     }
 }
 
-// Every value survives MS to IM to MS as the C library reads its text back.
-TEST(PmRecordOracle, TextsReadBackAsTheCLibraryReadsThem) {
-    DoubleSource source(5);
-    LMRecordMS ms, back;
-    LMRecordIM im;
-    std::memset(&ms, 0, sizeof ms);
-    for (int round = 0; round < 20000; ++round) {
-        for (std::size_t k = 0; k < 6; ++k) store_le<double>(raw(ms) + kLmRealsMs[k], source.next());
-        Tarv__LMRecordMS2IM(&im, &ms);
-        std::memset(&back, 0, sizeof back);
-        Tarv__LMRecordIM2MS(&back, &im);
-        for (std::size_t k = 0; k < 6; ++k) {
-            double expected = 0;
-            ASSERT_TRUE(reference_parse(raw(im) + kLmRealsIm[k], expected));
-            ASSERT_EQ(load_le<std::uint64_t>(raw(back) + kLmRealsMs[k]), bits_of(expected))
-                << text33(raw(im) + kLmRealsIm[k]);
-        }
-    }
-}
-
 }  // namespace
 }  // namespace tarv::testing

@@ -164,6 +164,18 @@ TEST(PmRecordParse, AgreesWithSscanfAroundTheShortCutLimits) {
 
 // --- Locale ----------------------------------------------------------------
 
+// Values of every magnitude that prints in full, and their texts read back.
+void agrees_with_the_c_library_in_this_locale() {
+    std::mt19937_64 rng(7);
+    for (int i = 0; i < 20000; ++i) {
+        const double v = std::ldexp(static_cast<double>(rng() >> 11), static_cast<int>(rng() % 140) - 100) *
+                         ((rng() & 1u) != 0u ? -1.0 : 1.0);
+        const std::string text = dm_text(v);
+        ASSERT_EQ(text, reference_text(v, " us")) << v;
+        ASSERT_EQ(dm_parse(text.c_str()), sscanf_parse(text.c_str())) << text;
+    }
+}
+
 TEST(PmRecordLocale, CommaLocaleFormatsAndParsesWithItsDecimalPoint) {
     TARV_ENTER_LOCALE(german, "de_DE.UTF-8");
     EXPECT_EQ(dm_text(250.5), "250,50 us");
@@ -175,22 +187,7 @@ TEST(PmRecordLocale, CommaLocaleFormatsAndParsesWithItsDecimalPoint) {
     EXPECT_EQ(dm_parse("7.5 us"), bits_of(7.0));
     EXPECT_EQ(dm_parse("-0,00 us"), bits_of(-0.0));
 
-    std::mt19937_64 rng(7);
-    for (int i = 0; i < 20000; ++i) {
-        const double v = std::ldexp(static_cast<double>(rng() >> 11), static_cast<int>(rng() % 140) - 100) *
-                         ((rng() & 1u) != 0u ? -1.0 : 1.0);
-        const std::string text = dm_text(v);
-        ASSERT_EQ(text, reference_text(v, " us")) << v;
-        ASSERT_EQ(dm_parse(text.c_str()), sscanf_parse(text.c_str())) << text;
-    }
-}
-
-TEST(PmRecordLocale, CLocaleIsBackAfterTheCommaLocale) {
-    {
-        NumericLocale german("de_DE.UTF-8");
-    }
-    EXPECT_EQ(dm_text(250.5), "250.50 us");
-    EXPECT_EQ(dm_parse("7.5"), bits_of(7.5));
+    agrees_with_the_c_library_in_this_locale();
 }
 
 // A decimal point of more than one byte (U+066B in UTF-8). Skipped where the
@@ -199,14 +196,7 @@ TEST(PmRecordLocale, MultiByteDecimalPoint) {
     NumericLocale pashto("ps_AF.UTF-8");
     if (!pashto.ok()) GTEST_SKIP() << "locale ps_AF.UTF-8 is not installed";
     ASSERT_GT(std::strlen(std::localeconv()->decimal_point), 1u);
-    std::mt19937_64 rng(11);
-    for (int i = 0; i < 20000; ++i) {
-        const double v = std::ldexp(static_cast<double>(rng() >> 11), static_cast<int>(rng() % 140) - 100) *
-                         ((rng() & 1u) != 0u ? -1.0 : 1.0);
-        const std::string text = dm_text(v);
-        ASSERT_EQ(text, reference_text(v, " us")) << v;
-        ASSERT_EQ(dm_parse(text.c_str()), sscanf_parse(text.c_str())) << text;
-    }
+    agrees_with_the_c_library_in_this_locale();
 }
 
 }  // namespace
