@@ -17,7 +17,6 @@
 #include <unistd.h>
 
 #include "byteorder.h"
-#include "pm_record.h"
 #include "tarv/tarv.h"
 
 namespace {

@@ -17,7 +17,6 @@
 #include <cstring>
 
 #include "byteorder.h"
-#include "pm_record.h"
 #include "support/guard_page.h"
 #include "tarv/tarv.h"
 

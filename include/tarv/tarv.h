@@ -365,7 +365,105 @@ typedef struct LMRecordIM {
 #define TARV_LM_RECORD_MS_SIZE 130
 #define TARV_LM_RECORD_IM_SIZE 279
 
-/* PM_CONVERSION_DOCS */
+/*
+ * Delay-measurement (DM) record, MS form to IM form.
+ *
+ * Reads only the 213 bytes at pMs and writes only into the 625 bytes at pIm;
+ * touches no region, traces nothing, keeps no state (reentrant). Neither
+ * pointer may be null; the records must not overlap. The decimal point of
+ * every text is that of the current C locale (LC_NUMERIC, as printf uses it).
+ * Field by field:
+ *   acText1, acText2   the 20 bytes are copied, then the IM field's last byte
+ *                      (IM byte 19, respectively 43) is set to 0: the IM text
+ *                      is always terminated and holds at most 19 characters.
+ *   lWord1..lWord14,   copied byte for byte; no value is tested.
+ *   byTail
+ *   dUs1..dUs12        the text of sprintf("%.2f us"): the exact double
+ *                      rounded to two decimals, an exact tie to the even
+ *                      digit ("0.12 us" for 0.125, "2.67 us" for 2.675),
+ *                      whatever the floating-point rounding mode; "-0.00 us"
+ *                      for -0.0 and for negative values that round to zero;
+ *                      "nan us", "-nan us", "inf us", "-inf us".
+ *                      When that text would exceed 32 characters (10^26 and
+ *                      above, -10^25 and below, with a one-byte decimal
+ *                      point) the field gets the text of sprintf("%.17g")
+ *                      followed by " us" instead ("1e+26 us",
+ *                      "-1.0000000000000001e+25 us"): at most 27 characters,
+ *                      never a number cut short, and it reads back as exactly
+ *                      the same double.
+ *   lUs1..lUs4         sprintf("%lu us"), at most 13 characters
+ *                      ("4294967295 us").
+ *   byMsOnly1..4       not carried.
+ * Every text is written with its terminating zero from the field's first
+ * byte; the field's bytes after the terminator keep their previous contents.
+ */
+TARV_API void Tarv__DMRecordMS2IM(DMRecordIM* pIm, const DMRecordMS* pMs);
+
+/*
+ * Delay-measurement (DM) record, IM form to MS form.
+ *
+ * Reads only the 625 bytes at pIm and writes only into the 213 bytes at pMs;
+ * no region, no trace, reentrant; non-null, non-overlapping records.
+ *   acText1, acText2   the 20 bytes are copied as they are, terminated or not.
+ *   lWord1..lWord14,   copied byte for byte.
+ *   byTail
+ *   dUs1..dUs12        the text is read as by sscanf("%lf") in the current C
+ *                      locale: leading white space skipped, then a decimal or
+ *                      hexadecimal floating-point number, inf, infinity or
+ *                      nan in any case; the unit and anything after the
+ *                      number are ignored ("250.50 us" and "250.5" give 250.5,
+ *                      " 7.5 ms" gives 7.5, "-0.00 us" gives -0.0). A text
+ *                      holding no number ("", "abc") leaves the MS field's 8
+ *                      bytes as they were; nothing reports it. A field with
+ *                      no terminator in its 33 bytes is read as those 33
+ *                      characters: nothing past the field is read.
+ *   lUs1..lUs4,        not written: MS bytes 88 to 97 and 122 to 131 keep
+ *   byMsOnly1..4       what the destination held (zero if it was cleared).
+ * MS to IM to MS gives back every copied field exactly, each text up to its
+ * 19th character and each time rounded to two decimals (times beyond the
+ * 32-character limit come back exactly); lUs1..lUs4 and byMsOnly1..4 are not
+ * restored.
+ */
+TARV_API void Tarv__DMRecordIM2MS(DMRecordMS* pMs, const DMRecordIM* pIm);
+
+/*
+ * Loss-measurement (LM) record, MS form to IM form.
+ *
+ * Reads only the 130 bytes at pMs and writes only into the 279 bytes at pIm;
+ * no region, no trace, reentrant; non-null, non-overlapping records. The
+ * rules are those of Tarv__DMRecordMS2IM:
+ *   byMsOnly1 (MS byte 0)     not carried.
+ *   acText1, acText2          copied; IM bytes 19 and 43 then set to 0.
+ *   lWord1..lWord10, byTail   copied byte for byte.
+ *   dPct1..dPct6              sprintf("%.2f %%"): "12.50 %", "0.12 %" for
+ *                             0.125, "100.00 %", "-nan %"; no range test:
+ *                             values below 0 or above 100 print as they are.
+ *                             Beyond 32 characters (10^27 and above, -10^26
+ *                             and below, with a one-byte decimal point) the
+ *                             text of "%.17g" followed by " %" ("1e+27 %"),
+ *                             which reads back as the same double.
+ * Texts are written from the field's first byte with their terminator; the
+ * field's later bytes are untouched.
+ */
+TARV_API void Tarv__LMRecordMS2IM(LMRecordIM* pIm, const LMRecordMS* pMs);
+
+/*
+ * Loss-measurement (LM) record, IM form to MS form.
+ *
+ * Reads only the 279 bytes at pIm and writes only into the 130 bytes at pMs;
+ * no region, no trace, reentrant; non-null, non-overlapping records.
+ *   byMsOnly1 (MS byte 0)     not written.
+ *   acText1, acText2,         copied byte for byte (texts as they are).
+ *   lWord1..lWord10, byTail
+ *   dPct1..dPct6              read as by sscanf("%lf"), as in
+ *                             Tarv__DMRecordIM2MS ("5 %" gives 5.0); a text
+ *                             without a number leaves the field as it was;
+ *                             an unterminated field is read as its 33
+ *                             characters.
+ * MS to IM to MS gives back every field but MS byte 0, with the percentages
+ * rounded to two decimals and each text losing a 20th character.
+ */
+TARV_API void Tarv__LMRecordIM2MS(LMRecordMS* pMs, const LMRecordIM* pIm);
 
 #ifdef __cplusplus
 }

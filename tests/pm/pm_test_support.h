@@ -13,7 +13,6 @@
 #include <string>
 
 #include "byteorder.h"
-#include "pm_record.h"
 #include "tarv/tarv.h"
 
 namespace tarv::testing {

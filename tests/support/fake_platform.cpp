@@ -19,7 +19,7 @@ struct Pending {
 };
 Pending g_pending;
 
-std::string vformat(const char* format, va_list args) {
+__attribute__((format(printf, 1, 0))) std::string vformat(const char* format, va_list args) {
     char buffer[2048];
     std::vsnprintf(buffer, sizeof buffer, format, args);
     return buffer;

@@ -12,7 +12,6 @@
 // here without the C library's formatted I/O on the usual path, because a
 // PM reporter converts records in bulk and snprintf/sscanf dominate the cost;
 // the rare texts that fall outside the fast shapes go to the C library.
-#include "pm_record.h"
 
 #include <bit>
 #include <clocale>
