@@ -186,9 +186,9 @@ private:
                 t += pick(words, 20);
                 break;
             case 4: {  // long runs of zeros and digits around a point
-                t += std::string(rng_() % 30, '0');
+                t += std::string(static_cast<std::size_t>(rng_() % 30), '0');
                 t += std::to_string(rng_() % 1000000);
-                if (rng_() % 2 != 0) t += "." + std::string(rng_() % 25, '0') + std::to_string(rng_() % 1000);
+                if (rng_() % 2 != 0) t += "." + std::string(static_cast<std::size_t>(rng_() % 25), '0') + std::to_string(rng_() % 1000);
                 break;
             }
             case 5: {  // hexadecimal by hand
