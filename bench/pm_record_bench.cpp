@@ -14,9 +14,8 @@
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
 #include "byteorder.h"
+#include "ratio_reporter.h"
 #include "tarv/tarv.h"
 
 namespace {
@@ -174,57 +173,9 @@ void register_all() {
     });
 }
 
-// Prints the usual table, then each conversion's library and baseline
-// figures side by side with their ratio. With repetitions the median is used.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    // Colours only on a terminal, so that a redirected report stays plain.
-    RatioReporter() : ConsoleReporter(isatty(STDOUT_FILENO) != 0 ? OO_Defaults : OO_Tabular) {}
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& r : runs) {
-            if (r.error_occurred) continue;
-            const bool median = r.run_type == Run::RT_Aggregate && r.aggregate_name == "median";
-            if (r.run_type == Run::RT_Aggregate && !median) continue;
-            std::string name = r.run_name.function_name;
-            if (median || ns_.count(name) == 0) ns_[name] = r.GetAdjustedRealTime() * to_ns(r.time_unit);
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    void Finalize() override {
-        ConsoleReporter::Finalize();
-        std::printf("\n%-10s %14s %14s %8s\n", "conversion", "library ns", "baseline ns", "ratio");
-        for (const char* conv : {"DM_MS2IM", "DM_IM2MS", "LM_MS2IM", "LM_IM2MS"}) {
-            const auto lib = ns_.find(std::string(conv) + "/library");
-            const auto base = ns_.find(std::string(conv) + "/baseline");
-            if (lib == ns_.end() || base == ns_.end()) continue;
-            std::printf("%-10s %14.1f %14.1f %7.1fx\n", conv, lib->second, base->second, base->second / lib->second);
-        }
-        std::fflush(stdout);
-    }
-
-private:
-    static double to_ns(benchmark::TimeUnit u) {
-        switch (u) {
-            case benchmark::kNanosecond: return 1.0;
-            case benchmark::kMicrosecond: return 1e3;
-            case benchmark::kMillisecond: return 1e6;
-            case benchmark::kSecond: return 1e9;
-        }
-        return 1.0;
-    }
-    std::map<std::string, double> ns_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
     register_all();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    return 0;
+    return tarv::bench::run_with_ratios(argc, argv, "conversion");
 }
