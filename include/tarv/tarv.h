@@ -138,7 +138,9 @@ TARV_API void Tarv__Open(void);
  */
 TARV_API void Tarv__StorOpen(void);
 
-/* Kept for existing callers; does nothing and may be called at any time. */
+/* Kept for existing callers; reads nothing, writes nothing and may be called
+ * at any time. It takes no parameters: a caller built against an older
+ * declaration that passes arguments still links, and they are ignored. */
 TARV_API void Tarv__SaveXMLIfOldConfig(void);
 
 /* ------------------------------------------------------------------------
