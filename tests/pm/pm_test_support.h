@@ -1,16 +1,21 @@
-// Helpers shared by the PM record conversion tests: byte access to records,
-// the C library's own texts as reference, and locale switching.
+// Helpers shared by the PM record conversion tests: both record layouts,
+// written out independently of the library, and the C library's own texts as
+// reference.
 #ifndef TARV_TESTS_PM_TEST_SUPPORT_H
 #define TARV_TESTS_PM_TEST_SUPPORT_H
 
 #include <gtest/gtest.h>
 
-#include <clocale>
+#include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "byteorder.h"
 #include "tarv/tarv.h"
@@ -18,30 +23,95 @@
 namespace tarv::testing {
 
 inline constexpr std::size_t kText33 = 33;
+using Bytes = std::vector<std::uint8_t>;
 
-template <typename Record>
-std::uint8_t* raw(Record& r) {
-    return reinterpret_cast<std::uint8_t*>(&r);
+// How a field travels: Word (uint32) and Byte are copied, Text is a char[20],
+// Real a float64 shown as "%.2f" text, Count a uint32 shown as "%lu us" and
+// never read back, MsOnly a byte the IM form does not have.
+enum class Kind : std::uint8_t { Word, Byte, Text, Real, Count, MsOnly };
+inline constexpr std::size_t kMsWidth[] = {4, 1, 20, 8, 4, 1};
+inline constexpr std::size_t kImWidth[] = {4, 1, 20, 33, 33, 0};
+constexpr std::size_t ms_width(Kind k) { return kMsWidth[static_cast<std::size_t>(k)]; }
+constexpr std::size_t im_width(Kind k) { return kImWidth[static_cast<std::size_t>(k)]; }
+
+struct Field {
+    Kind kind;
+    std::size_t ms, im;  // offsets; im is meaningless for MsOnly
+};
+
+namespace layout {
+inline constexpr Kind W = Kind::Word, B = Kind::Byte, T = Kind::Text, R = Kind::Real, C = Kind::Count,
+                      M = Kind::MsOnly;
+inline constexpr Field kDm[] = {
+    {T, 0, 0},     {W, 20, 20},   {T, 24, 24},   {W, 44, 44},   {R, 48, 48},   {W, 56, 81},   {W, 60, 85},
+    {R, 64, 89},   {W, 72, 122},  {W, 76, 126},  {R, 80, 130},  {C, 88, 163},  {M, 92, 0},   {C, 93, 196},
+    {M, 97, 0},    {R, 98, 229},  {W, 106, 262}, {W, 110, 266}, {R, 114, 270}, {C, 122, 303}, {M, 126, 0},
+    {C, 127, 336}, {M, 131, 0},   {R, 132, 369}, {W, 140, 402}, {W, 144, 406}, {W, 148, 410}, {W, 152, 414},
+    {W, 156, 418}, {W, 160, 422}, {B, 164, 426}, {R, 165, 427}, {R, 173, 460}, {R, 181, 493}, {R, 189, 526},
+    {R, 197, 559}, {R, 205, 592},
+};
+inline constexpr Field kLm[] = {
+    {M, 0, 0},     {T, 1, 0},     {W, 21, 20},   {T, 25, 24},   {W, 45, 44},   {R, 49, 48},   {R, 57, 81},
+    {R, 65, 114},  {R, 73, 147},  {R, 81, 180},  {R, 89, 213},  {W, 97, 246},  {W, 101, 250}, {W, 105, 254},
+    {W, 109, 258}, {W, 113, 262}, {W, 117, 266}, {W, 121, 270}, {W, 125, 274}, {B, 129, 278},
+};
+
+// The tables list every byte of both forms, in order: no field is left out.
+constexpr bool tiles(std::span<const Field> fields, std::size_t ms_size, std::size_t im_size) {
+    std::size_t ms = 0, im = 0;
+    for (const Field& f : fields) {
+        if (f.ms != ms || (f.kind != M && f.im != im)) return false;
+        ms += ms_width(f.kind);
+        im += im_width(f.kind);
+    }
+    return ms == ms_size && im == im_size;
 }
-template <typename Record>
-const std::uint8_t* raw(const Record& r) {
-    return reinterpret_cast<const std::uint8_t*>(&r);
+static_assert(tiles(kDm, 213, 625) && sizeof(DMRecordMS) == 213 && sizeof(DMRecordIM) == 625);
+static_assert(tiles(kLm, 130, 279) && sizeof(LMRecordMS) == 130 && sizeof(LMRecordIM) == 279);
+}  // namespace layout
+
+// One record kind: its layout, the unit of its Real texts and its two
+// converters over raw bytes.
+struct Form {
+    const char* name;
+    std::span<const Field> fields;
+    std::size_t ms_size, im_size;
+    const char* unit;
+    void (*ms2im)(std::uint8_t* im, const std::uint8_t* ms);
+    void (*im2ms)(std::uint8_t* ms, const std::uint8_t* im);
+
+    [[nodiscard]] std::vector<Field> of(Kind kind) const {
+        std::vector<Field> out;
+        std::copy_if(fields.begin(), fields.end(), std::back_inserter(out), [&](const Field& f) { return f.kind == kind; });
+        return out;
+    }
+};
+
+// A converter over raw bytes.
+template <typename To, typename From, void (*Convert)(To*, const From*)>
+void on_bytes(std::uint8_t* to, const std::uint8_t* from) {
+    Convert(reinterpret_cast<To*>(to), reinterpret_cast<const From*>(from));
 }
+
+inline constexpr Form kDm{"DM", layout::kDm, sizeof(DMRecordMS), sizeof(DMRecordIM), " us",
+                          on_bytes<DMRecordIM, DMRecordMS, Tarv__DMRecordMS2IM>,
+                          on_bytes<DMRecordMS, DMRecordIM, Tarv__DMRecordIM2MS>};
+inline constexpr Form kLm{"LM", layout::kLm, sizeof(LMRecordMS), sizeof(LMRecordIM), " %",
+                          on_bytes<LMRecordIM, LMRecordMS, Tarv__LMRecordMS2IM>,
+                          on_bytes<LMRecordMS, LMRecordIM, Tarv__LMRecordIM2MS>};
+inline constexpr const Form* kForms[] = {&kDm, &kLm};
 
 // The zero-terminated text at the start of a text33 field (all 33 bytes when
 // it has no terminator).
 inline std::string text33(const std::uint8_t* field) {
-    std::size_t n = 0;
-    while (n < kText33 && field[n] != 0) ++n;
-    return std::string(reinterpret_cast<const char*>(field), n);
+    const auto* end = std::find(field, field + kText33, std::uint8_t{0});
+    return std::string(reinterpret_cast<const char*>(field), static_cast<std::size_t>(end - field));
 }
 
-inline void put_text(std::uint8_t* field, const char* text) { std::memcpy(field, text, std::strlen(text) + 1); }
-
-inline std::uint64_t bits_of(double v) {
-    std::uint64_t b;
-    std::memcpy(&b, &v, sizeof b);
-    return b;
+// Writes text with its terminator into a text33 field; a text of 33 or more
+// characters fills the field without one.
+inline void put_text(std::uint8_t* field, const char* text) {
+    std::memcpy(field, text, std::min(std::strlen(text) + 1, kText33));
 }
 
 // What the C library prints for value with "%.2f" and the unit; when that
@@ -53,41 +123,15 @@ inline std::string reference_text(double value, const char* unit) {
     return std::string(buf, static_cast<std::size_t>(n));
 }
 
-// What sscanf("%lf") reads from a text33 field, terminated after its 33
-// bytes; false when it reads nothing.
-inline bool reference_parse(const std::uint8_t* field, double& value) {
-    char buf[kText33 + 1];
+// The bits of what sscanf("%lf") reads from a text33 field, ended after its
+// 33 bytes; none when it reads nothing.
+inline std::optional<std::uint64_t> reference_value(const std::uint8_t* field) {
+    char buf[kText33 + 1] = {};
     std::memcpy(buf, field, kText33);
-    buf[kText33] = '\0';
-    return std::sscanf(buf, "%lf", &value) == 1;
+    double value = 0;
+    if (std::sscanf(buf, "%lf", &value) != 1) return std::nullopt;
+    return std::bit_cast<std::uint64_t>(value);
 }
-
-// Switches LC_NUMERIC for the life of the object and back to "C" after.
-class NumericLocale {
-public:
-    explicit NumericLocale(const char* name) : ok_(std::setlocale(LC_NUMERIC, name) != nullptr) {}
-    NumericLocale(const NumericLocale&) = delete;
-    NumericLocale& operator=(const NumericLocale&) = delete;
-    ~NumericLocale() { std::setlocale(LC_NUMERIC, "C"); }
-    [[nodiscard]] bool ok() const { return ok_; }
-
-private:
-    bool ok_;
-};
-
-// A missing locale skips the test, unless TARV_REQUIRE_LOCALES=1 asks that it
-// fail (CI generates the locales it needs).
-inline bool locales_required() {
-    const char* v = std::getenv("TARV_REQUIRE_LOCALES");
-    return v != nullptr && std::strcmp(v, "1") == 0;
-}
-
-#define TARV_ENTER_LOCALE(guard, name)                                                  \
-    NumericLocale guard(name);                                                          \
-    if (!guard.ok()) {                                                                  \
-        if (locales_required()) FAIL() << "locale " name " is not installed";           \
-        GTEST_SKIP() << "locale " name " is not installed (localedef -i ... -f UTF-8)"; \
-    }
 
 }  // namespace tarv::testing
 
