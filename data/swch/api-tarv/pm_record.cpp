@@ -13,8 +13,9 @@
 // PM reporter converts records in bulk and snprintf/sscanf dominate the cost;
 // the rare texts that fall outside the fast shapes go to the C library.
 
+#include <langinfo.h>
+
 #include <bit>
-#include <clocale>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -212,8 +213,12 @@ inline constexpr Piece kUnitPercent{" %", 2};
 
 // The decimal point of the current C locale, as printf and scanf use it.
 // Usually ".", but a locale may make it "," or a multi-byte character.
+// nl_langinfo reads the locale's own data; localeconv would fill a static
+// structure shared by every thread, so two reporters converting at the same
+// time would race on it.
 [[nodiscard]] Piece locale_decimal_point() noexcept {
-    const char* point = std::localeconv()->decimal_point;
+    const char* point = nl_langinfo(RADIXCHAR);
+    if (point == nullptr) point = ".";
     return Piece{point, std::strlen(point)};
 }
 
