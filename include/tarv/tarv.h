@@ -176,6 +176,8 @@ TARV_API void Tarv__SaveXMLIfOldConfig(void);
  * level 5 as "Tarv__GetConfig_ThroughputHistory"; the result text printed is
  * at most its 404 bytes, also when the record holds no terminator.
  *
+ * pConfig must not be null; it needs no alignment.
+ *
  * Returns 0 for the 21 classes above, 1 for any other class id (nothing is
  * written, nothing traced). The caller finds the end of a list by the
  * terminator, by the count it asked for, or, for the whole history, by a
