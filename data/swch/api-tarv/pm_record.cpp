@@ -218,7 +218,6 @@ inline constexpr Piece kUnitPercent{" %", 2};
 // time would race on it.
 [[nodiscard]] Piece locale_decimal_point() noexcept {
     const char* point = nl_langinfo(RADIXCHAR);
-    if (point == nullptr) point = ".";
     return Piece{point, std::strlen(point)};
 }
 
