@@ -229,6 +229,27 @@ TARV_API void Tarv__ReadMEP(TARV_MOID Moid, void* pMep);
 TARV_API int32_t Tarv__GetMepIndexFromOldMoid(TARV_MOID OldMoid, uint16_t* pMepIndex);
 
 /* ------------------------------------------------------------------------
+ * MA reading
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Returns 1 when a slot of the MaNet key table holds MaNetKey (all 10 bytes
+ * compared: wClass, MD id, MaNet id), else 0. No trace. An all-zero key
+ * matches the first empty slot, so it yields 1 whenever the table has one.
+ * Not attached: returns 0.
+ */
+TARV_API uint32_t Tarv__DoesMANetExist(TARV_MANET_KEY MaNetKey);
+
+/*
+ * Copies the 57-byte MaNet record of MaNetKey to pMaNet. When no slot holds
+ * the key, pMaNet is left untouched and an error is traced (code 3,
+ * "Tarv__ReadMANet() : Unable to read MaNet - can't find specified MOID:
+ * Class %d Md %ld MaNet %ld"). pMaNet must not be null.
+ * Not attached: pMaNet untouched.
+ */
+TARV_API void Tarv__ReadMANet(TARV_MANET_KEY MaNetKey, void* pMaNet);
+
+/* ------------------------------------------------------------------------
  * Performance-monitoring records (no region access, no trace, reentrant)
  * ------------------------------------------------------------------------ */
 

@@ -146,5 +146,36 @@ TEST_F(MepReaderTest, NullIndexPointerIsRefusedBeforeAnyLookup) {
     EXPECT_EQ(fake().traces[0].code, 3u);
 }
 
+TARV_MANET_KEY manet_key(std::uint16_t w_class, std::uint32_t md, std::uint32_t manet) {
+    TARV_MANET_KEY k;
+    const auto b = key_bytes(w_class, {md, manet});
+    std::memcpy(&k, b.data(), sizeof k);
+    return k;
+}
+
+TEST_F(MepReaderTest, MaNetIsFoundByAllTenKeyBytesAtItsHintOrByTheScan) {
+    fake().set_module_level(1);
+    put_key(Table::MaNetMoidArray, 0, key_bytes(574, {7, 1}));    // id 1 at its hint
+    put_key(Table::MaNetMoidArray, 127, key_bytes(574, {7, 5}));  // id 5 at the last slot
+    put_pattern(Table::MaNetDataArray, 127, 0x31);
+    GuardedBytes out(57);  // a copy past 57 bytes would fault
+
+    EXPECT_EQ(Tarv__DoesMANetExist(manet_key(574, 7, 1)), 1u);
+    EXPECT_EQ(Tarv__DoesMANetExist(manet_key(574, 7, 5)), 1u);
+    EXPECT_EQ(Tarv__DoesMANetExist(manet_key(573, 7, 1)), 0u);  // the class takes part
+    EXPECT_EQ(Tarv__DoesMANetExist(manet_key(0, 0, 0)), 1u);    // matches the first empty slot
+    Tarv__ReadMANet(manet_key(574, 7, 5), out.data());
+    EXPECT_EQ(std::vector<std::uint8_t>(out.data(), out.data() + 57), bytes_of(Table::MaNetDataArray, 127));
+    EXPECT_TRUE(fake().traces.empty());
+
+    out.fill(0xEE);
+    Tarv__ReadMANet(manet_key(574, 0xFFFFFFFFu, 6), out.data());
+    EXPECT_EQ(std::vector<std::uint8_t>(out.data(), out.data() + 57), std::vector<std::uint8_t>(57, 0xEE));
+    ASSERT_EQ(fake().traces.size(), 1u);
+    EXPECT_EQ(fake().traces[0].code, 3u);
+    EXPECT_EQ(fake().traces[0].text,
+              "Tarv__ReadMANet() : Unable to read MaNet - can't find specified MOID: Class 574 Md -1 MaNet 6");
+}
+
 }  // namespace
 }  // namespace tarv::testing

@@ -1,4 +1,4 @@
-// Object readers and iterators: MEPs.
+// Object readers and iterators: MEPs and MaNets.
 #include <cstring>
 
 #include "fields.h"
@@ -9,18 +9,21 @@
 namespace tarv {
 namespace {
 
-// The MOID as its 14 key bytes.
-struct MoidBytes {
-    std::uint8_t b[TARV_MOID_SIZE];
-    explicit MoidBytes(const TARV_MOID& moid) noexcept { std::memcpy(b, &moid, sizeof b); }
+// A key passed by value, as its raw bytes (a MOID, a MaNet key, ...).
+template <typename Key>
+struct KeyBytes {
+    std::uint8_t b[sizeof(Key)];
+    explicit KeyBytes(const Key& k) noexcept { std::memcpy(b, &k, sizeof b); }
 
     [[nodiscard]] int wClass() const noexcept { return load_le<std::uint16_t>(b + moid::kClassOffset); }
     [[nodiscard]] long id(std::uint32_t offset) const noexcept {
         return trace::as_ld(load_le<std::uint32_t>(b + offset));
     }
-    [[nodiscard]] std::uint32_t hint() const noexcept { return slot_hint(b, TARV_MOID_SIZE); }
+    [[nodiscard]] std::uint32_t hint() const noexcept { return slot_hint(b, sizeof b); }
 };
+using MoidBytes = KeyBytes<TARV_MOID>;
 static_assert(sizeof(TARV_MOID) == TARV_MOID_SIZE);
+static_assert(sizeof(TARV_MANET_KEY) == TARV_MANET_KEY_SIZE);
 
 }  // namespace
 }  // namespace tarv
@@ -71,4 +74,25 @@ extern "C" TARV_API int32_t Tarv__GetMepIndexFromOldMoid(TARV_MOID OldMoid, uint
     }
     *pMepIndex = static_cast<std::uint16_t>(slot);
     return 0;
+}
+
+extern "C" TARV_API uint32_t Tarv__DoesMANetExist(TARV_MANET_KEY MaNetKey) {
+    const std::uint8_t* region = attached_region("Tarv__DoesMANetExist");
+    if (region == nullptr) return 0;
+    const KeyBytes<TARV_MANET_KEY> key(MaNetKey);
+    return find_slot(region, Table::MaNetMoidArray, key.b, key.hint()) != kNotFound ? 1u : 0u;
+}
+
+extern "C" TARV_API void Tarv__ReadMANet(TARV_MANET_KEY MaNetKey, void* pMaNet) {
+    const std::uint8_t* region = attached_region("Tarv__ReadMANet");
+    if (region == nullptr) return;
+    const KeyBytes<TARV_MANET_KEY> key(MaNetKey);
+    const std::uint32_t slot = find_slot(region, Table::MaNetMoidArray, key.b, key.hint());
+    if (slot == kNotFound) {
+        TARV_ERROR("Tarv__ReadMANet", trace::kNotFound,
+                   "Tarv__ReadMANet() : Unable to read MaNet - can't find specified MOID: Class %d Md %ld MaNet %ld",
+                   key.wClass(), key.id(moid::kId1Offset), key.id(moid::kId2Offset));
+        return;
+    }
+    std::memcpy(pMaNet, entry(region, Table::MaNetDataArray, slot), info(Table::MaNetDataArray).entry);
 }
