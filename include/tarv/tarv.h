@@ -198,7 +198,9 @@ TARV_API int32_t Tarv__GetConfig(uint32_t lClassId, void* pConfig, uint32_t lCou
  * region's MEP MOID table (read-only to the caller, valid for the life of
  * the process; its contents change when the controller rewrites the slot).
  * A previous MOID that is no longer in the table restarts the walk at slot
- * 0. A previous MOID whose MEP id gives a slot outside 1..32 traces
+ * 0. A previous pointer whose slot the controller has emptied reads as the
+ * all-zero MOID, which matches the first empty slot: the walk goes on after
+ * that slot (and the MEP id 0 gives the trace below). A previous MOID whose MEP id gives a slot outside 1..32 traces
  * "Wrong index %d from MepId %ld" at debug level 4; the walk is unaffected.
  * When two slots hold the same MOID (a corrupt region), a walk that passes
  * back the returned pointers still moves forward and ends; a copy of a MOID

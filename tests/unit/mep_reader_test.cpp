@@ -53,6 +53,45 @@ TEST_F(MepReaderTest, IteratorMovesForwardThroughDuplicateMoids) {
     EXPECT_EQ(Tarv__MEPMoidIterator(&copy), slot_address(10));
 }
 
+// The controller empties the slot that the caller's last pointer names: the
+// pointer now reads the all-zero key, which the lookup finds at the first
+// empty slot, and the walk goes on after that slot.
+struct EmptiedSlotCase {
+    const char* name;
+    std::vector<std::uint32_t> slots;  // MEPs, each with id slot + 1
+    std::uint32_t emptied;             // the slot of the caller's last pointer
+    int next;                          // the slot the next call returns, -1 for the end
+};
+void PrintTo(const EmptiedSlotCase& c, std::ostream* os) { *os << c.name; }
+
+std::vector<std::uint32_t> all_slots() {
+    std::vector<std::uint32_t> v(32);
+    for (std::uint32_t s = 0; s < 32; ++s) v[s] = s;
+    return v;
+}
+
+class IteratorAfterEmptiedSlot : public MepReaderTest, public ::testing::WithParamInterface<EmptiedSlotCase> {};
+
+TEST_P(IteratorAfterEmptiedSlot, GoesOnAfterTheFirstEmptySlot) {
+    fake().set_debug_level(4);
+    const EmptiedSlotCase& c = GetParam();
+    for (std::uint32_t s : c.slots) put_mep(s, s + 1);
+    std::memset(at(Table::MepMoidArray, c.emptied), 0, 14);
+
+    EXPECT_EQ(Tarv__MEPMoidIterator(slot_address(c.emptied)),
+              c.next < 0 ? nullptr : slot_address(static_cast<std::uint32_t>(c.next)));
+
+    ASSERT_EQ(fake().traces.size(), 1u);
+    EXPECT_EQ(fake().traces[0].text, "Wrong index 65535 from MepId 0");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    MepReader, IteratorAfterEmptiedSlot,
+    ::testing::Values(EmptiedSlotCase{"EarlierEmptySlot", {1, 5, 9}, 5, 1},        // slot 0 is the first empty one
+                      EmptiedSlotCase{"NoEarlierEmptySlot", {0, 1, 2, 5}, 2, 5},  // the emptied slot is the first
+                      EmptiedSlotCase{"EveryOtherSlotFull", all_slots(), 31, -1}),
+    [](const auto& p) { return std::string(p.param.name); });
+
 TEST_F(MepReaderTest, IteratorEndsAfterTheLastSlot) {
     put_mep(0, 1);
     put_mep(31, 32);

@@ -258,7 +258,9 @@ inline constexpr std::uint32_t kNotFound = 0xFFFFFFFFu;
 // One step of a MOID iterator over key array t: the address of the next
 // non-empty slot after `prev`, or null at the end. A null `prev` starts at
 // slot 0; a `prev` that is no longer in the table restarts at slot 0. The
-// walk always moves forward, also through duplicate keys.
+// walk always moves forward, also through duplicate keys. A `prev` whose slot
+// has been emptied reads as the all-zero key, which is found at the first
+// empty slot: the walk goes on after that slot.
 // `on_bad_hint(hint, last_id)` runs when prev's hint lies outside the table.
 template <typename OnBadHint>
 [[nodiscard]] const std::uint8_t* iterate(const std::uint8_t* base, Table t, const std::uint8_t* prev,
@@ -279,9 +281,10 @@ template <typename OnBadHint>
         // Two slots holding the same key would send the walk back to the
         // first of them forever; a previous pointer into the table itself
         // therefore continues after its own slot while that slot still holds
-        // the key.
+        // the key. An emptied slot is no such duplicate: its all-zero key is
+        // looked up like any other and matches the first empty slot.
         const std::uint32_t own = slot_of(base, t, prev);
-        if (found != kNotFound && own != kNotFound && own > found &&
+        if (found != kNotFound && own != kNotFound && own > found && !key_empty(key, ti.key) &&
             std::memcmp(entry(base, t, own), key, ti.key) == 0)
             found = own;
         if (found != kNotFound) {
