@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cfenv>
 #include <cfloat>
 #include <clocale>
 #include <cmath>
@@ -243,6 +244,54 @@ TEST(PmRecordText, ReadsLikeSscanfAroundThePlainDecimalLimits) {
         EXPECT_EQ(value_of(kDm, t), reference_value(field)) << '"' << t << '"';
     }
 }
+
+// The process owns the rounding mode: texts are read as sscanf reads them in
+// each of the four modes, negative texts included (the sign must take part in
+// the one rounding step). Generated texts first, then the plain decimals that
+// the library may read by itself and whose last digit forces a rounding.
+class PmRecordRoundingMode : public ::testing::TestWithParam<int> {
+protected:
+    void SetUp() override { ASSERT_EQ(std::fesetround(GetParam()), 0); }
+    void TearDown() override { std::fesetround(FE_TONEAREST); }
+};
+
+TEST_P(PmRecordRoundingMode, ReadsTextsAsSscanfDoesInTheCurrentMode) {
+    Source source(static_cast<std::uint64_t>(GetParam()) + 77);
+    std::mt19937_64 rng(static_cast<std::uint64_t>(GetParam()));
+    for (int i = 0; i < 4000; ++i) {
+        std::uint8_t field[kText33] = {};
+        if (i % 2 == 0) {
+            source.next_text(field);
+        } else {
+            char text[kText33 + 1];
+            const auto whole = static_cast<unsigned long long>(rng() % 1000000u);
+            const int decimals = 1 + static_cast<int>(rng() % 9u);  // zero-padded to at least this many
+            const auto fraction = static_cast<unsigned long long>(rng() % 1000000000u);
+            std::snprintf(text, sizeof text, "%s%llu.%0*llu us", rng() % 2u ? "-" : "", whole, decimals, fraction);
+            put_text(field, text);
+        }
+        char shown[kText33 + 1] = {};
+        std::memcpy(shown, field, kText33);
+        EXPECT_EQ(value_of(kDm, shown), reference_value(field)) << '"' << shown << '"';
+        if (HasFailure()) break;
+    }
+    for (const char* t : {"-0.1 us", "0.1 us", "-2.675", "-123456789012.345", "-0.000000000000000000001"}) {
+        std::uint8_t field[kText33] = {};
+        put_text(field, t);
+        EXPECT_EQ(value_of(kLm, t), reference_value(field)) << '"' << t << '"';
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(PmRecord, PmRecordRoundingMode,
+                         ::testing::Values(FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO),
+                         [](const auto& p) {
+                             switch (p.param) {
+                                 case FE_UPWARD: return std::string("Upward");
+                                 case FE_DOWNWARD: return std::string("Downward");
+                                 case FE_TOWARDZERO: return std::string("TowardZero");
+                                 default: return std::string("ToNearest");
+                             }
+                         });
 
 // Switches LC_NUMERIC for the rest of the test and back to "C" after. A
 // missing locale skips the test, unless TARV_REQUIRE_LOCALES=1 asks that it

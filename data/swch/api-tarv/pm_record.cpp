@@ -451,9 +451,13 @@ inline constexpr int kMaxFastDecimals = 22;  // 10^22 is the largest exact power
         }
     }
     if (fast && any && (i == kTextField || field[i] == 0 || field[i] == ' ')) {
+        // The sign goes on before the one rounding step, so that a rounding
+        // mode toward an infinity rounds a negative value as the C library
+        // does; the mantissa and the power of ten are exact.
         double v = static_cast<double>(digits);
+        if (negative) v = -v;
         if (decimals != 0) v /= kPow10[decimals];
-        value = negative ? -v : v;
+        value = v;
         return true;
     }
 
