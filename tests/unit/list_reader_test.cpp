@@ -62,7 +62,7 @@ class ListReaderTest : public ListTest, public ::testing::WithParamInterface<Lis
 
 // Slot 0 holds id 1, slot 31 id 40 (a hint past the table). The bandwidth
 // notification read scans without a hint, the throughput read tries it first.
-TEST_P(ListReaderTest, WalksItsOwnTableToTheLastSlotAndReadsByTheScan) {
+TEST_P(ListReaderTest, WalksToTheLastSlotAndReadsWithOrWithoutTheHint) {
     const ListReader& r = GetParam();
     put_key(r.keys, 0, r.key(1));
     put_key(r.keys, 31, r.key(40));
