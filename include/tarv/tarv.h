@@ -252,6 +252,219 @@ TARV_API uint32_t Tarv__DoesMANetExist(TARV_MANET_KEY MaNetKey);
 TARV_API void Tarv__ReadMANet(TARV_MANET_KEY MaNetKey, void* pMaNet);
 
 /* ------------------------------------------------------------------------
+ * Bandwidth notifications
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Walks the bandwidth notification MOIDs (wClass 848 and the MD, MaNet and
+ * MEP ids of their MEP) in slot order, as Tarv__MEPMoidIterator walks the
+ * MEPs: call with null, then with the previous result, until null comes
+ * back; the result points into the region and is read-only to the caller. A
+ * previous MOID no longer in the table restarts the walk at slot 0. Every
+ * call traces "Enter" at debug level 6; a previous MOID whose last id gives
+ * a slot outside 1..32 traces "Wrong index %d from BandwidthNotificationId
+ * %ld" at debug level 4, and the walk is unaffected.
+ * Not attached: "Enter", then the code-12 error; returns null.
+ */
+TARV_API const TARV_MOID* Tarv__BandwidthNotificationMoidIterator(const TARV_MOID* pPrevMoid);
+
+/*
+ * Copies the 18-byte record of the bandwidth notification Moid to pBwn. The
+ * 32 slots are compared in order from slot 0 (no slot hint), so a
+ * notification outside its MEP's slot is found too; all 14 bytes count, so
+ * the MOID of the MEP itself (class 532) is not found. An all-zero MOID
+ * copies the record of the first empty slot. Traces "Enter" at debug level
+ * 6. Not found: pBwn untouched, error code 3 "Tarv__ReadBandwidthNotification:
+ * Unable to read BandwidthNotification - can't find specified MOID.".
+ * pBwn must not be null.
+ * Not attached: "Enter", then the code-12 error; pBwn untouched.
+ */
+TARV_API void Tarv__ReadBandwidthNotification(TARV_MOID Moid, void* pBwn);
+
+/* ------------------------------------------------------------------------
+ * Throughput list
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Walks the 18-byte throughput keys in slot order, by the rules of
+ * Tarv__MEPMoidIterator with the slot hint taken from lId4 (the throughput
+ * id). Emits no trace, also not for a hint outside the table.
+ * Not attached: returns null (the code-12 error is the one trace).
+ */
+TARV_API const TARV_THROUGHPUT_KEY* Tarv__ThroughputListMoidIterator(const TARV_THROUGHPUT_KEY* pPrevKey);
+
+/*
+ * Copies the 33-byte throughput record of ThroughputKey (hint slot from
+ * lId4, then slots 0..31) to pEntry. Traces "Md=0x%lx, Ma=0x%lx, Mep=0x%lx,
+ * Throughput=0x%lx" (the four ids) at debug level 6 first. Not found: pEntry
+ * untouched, error code 3 "Tarv__ReadThroughput() : Unable to read class -
+ * can't find specified MOID.". pEntry must not be null.
+ * Not attached: the level-6 trace, the code-12 error; pEntry untouched.
+ */
+TARV_API void Tarv__ReadThroughputEntry(TARV_THROUGHPUT_KEY ThroughputKey, void* pEntry);
+
+/*
+ * Returns 1 when a throughput test is enabled (its record's 32-bit
+ * eEnableStatus at record offset 9 is 2), else 0. Walks the keys with
+ * Tarv__ThroughputListMoidIterator and reads each with
+ * Tarv__ReadThroughputEntry (each read traces), stopping at the first
+ * enabled one. A key that the controller removes during the walk never
+ * counts as enabled: an emptied slot is skipped, and a key that no longer
+ * reads is tested on a buffer cleared before the read.
+ * Not attached: returns 0 after one code-12 error.
+ */
+TARV_API uint32_t Tarv_GetEnableStatusofThroughput(void);
+
+/* ------------------------------------------------------------------------
+ * Alarm queries
+ * ------------------------------------------------------------------------ */
+
+#define TARV_MEP_SLOTS 32
+#define TARV_PM_SLOTS 9
+#define TARV_ALARM_TEXT_SIZE 80
+#define TARV_PM_ALARM_BLOCK_SIZE 18
+#define TARV_MEP_HW_ALARM_BLOCK_SIZE 64
+
+/*
+ * Writes the alarm word of each of the 32 MEP slots into awAlarms[0..31]
+ * (native 16-bit values): 0 when the slot's MOID has class field 0 (only
+ * those two bytes decide), else the MEP record's wAlarmBits with bit 2
+ * (value 4) cleared unless the record's bAlarmBit2Enabled is set. No trace.
+ * Not attached: 32 zero words, as for a region without MEPs.
+ */
+TARV_API void Tarv__GetAlarms(uint16_t* awAlarms);
+
+/*
+ * MOID and detail text behind the alarm of MEP slot wMepMoidArrayIndex:
+ *  - pMoid (14 bytes) receives the slot's current MOID, or when that is
+ *    empty its old MOID; when both are empty pMoid is untouched and "MEP
+ *    index %d not found!" is traced at debug level 5.
+ *  - then "wMepMoidArrayIndex=%d" is traced at debug level 7.
+ *  - pText receives the slot's alarm text as strncpy(pText, text, 80) gives
+ *    it: exactly 80 bytes, the characters then zeros; a text of 80
+ *    characters arrives without terminator. When the slot has no text, pText
+ *    is untouched and "String is NULL\n" is traced at debug level 4.
+ * The text is given whether or not a MOID was found. Callers that need empty
+ * results clear their buffers first.
+ * Slot past 31: both buffers untouched and nothing of the region read; the
+ * traces are "MEP index %d not found!" (level 5) and "wMepMoidArrayIndex=%d"
+ * (level 7), the index printed as a signed int.
+ * Not attached: both buffers untouched; the code-12 error only.
+ */
+TARV_API void Tarv__GetDetailsForAlarm(uint32_t wMepMoidArrayIndex, TARV_MOID* pMoid, char* pText);
+
+/*
+ * Copy the PM alarm block (18 bytes: nine little-endian 16-bit words, one
+ * per PM slot 0..8), respectively the MEP hardware alarm block (64 bytes),
+ * to pBlock, as stored. No trace.
+ * Not attached: pBlock untouched.
+ */
+TARV_API void Tarv__GetPMAlarms(void* pBlock);
+TARV_API void Tarv__GetMEPHWAlarms(void* pBlock);
+
+/*
+ * Copy the 15-byte PM key of PM slot lIndex (0..8) to pKey, as stored
+ * (empty slots give their bytes, normally zeros): the PM alarm object's key,
+ * the PM session's key, respectively the session's old key. No trace.
+ * lIndex above 8: pKey untouched, nothing of the region read, error code 3
+ * "PM slot index %lu out of range, last slot is %lu" from the function.
+ * Not attached: pKey untouched.
+ */
+TARV_API void Tarv__GetPMAlarmMoid(uint32_t lIndex, TARV_PM_KEY* pKey);
+TARV_API void Tarv__GetPMSessionMoid(uint32_t lIndex, TARV_PM_KEY* pKey);
+TARV_API void Tarv__GetPMSessionOldMoid(uint32_t lIndex, TARV_PM_KEY* pKey);
+
+/* ------------------------------------------------------------------------
+ * Y.1731 alarm source description
+ * ------------------------------------------------------------------------ */
+
+/* Longest alarm source text with its terminator: 95 characters + 1. */
+#define TARV_MEP_ALARM_INFO_SIZE 96
+
+/*
+ * Writes into pInfo the text that names where the PM session of PmKey runs,
+ * as the C library formats
+ *     sprintf(pInfo, "S%hd,P%hd,%s%d,%s,L%d,Id%hd,MAID:", bySlot, byPort,
+ *             tag, wVid, direction, eMdLevel - 1, wMepId)
+ *     strncat(pInfo, MD name, 20); strcat(pInfo, "/");
+ *     strncat(pInfo, MA name, 24);
+ * e.g. "S1,P3,Svid100,Up,L4,Id5,MAID:Operator/Service12". bySlot, byPort,
+ * wVid, eDirection and wMepId come from the session's MEP record (MOID
+ * class 532 and the key's ids), the MD name and eMdLevel from its MD (531,
+ * lId1), the MA name from its MaNet (574, lId1, lId2). tag is "Cvid" when
+ * Lanx__GetSwitchMode() is 2 (then Lanx__GetPbPortType is not called) or
+ * Lanx__GetPbPortType(bySlot, byPort) is 3, else "Svid"; direction is "Dn"
+ * for eDirection 1, else "Up". A name is cut at 20 (MD) or 24 (MA)
+ * characters, the width of its field, also when the field holds no zero
+ * byte: nothing past a name's field is read. The text with its terminator
+ * takes at most 96 bytes (TARV_MEP_ALARM_INFO_SIZE); bytes of pInfo after
+ * the terminator are untouched. Returns 1.
+ *
+ * Returns 0 with pInfo untouched, tracing at debug level 6 the first missing
+ * link, checked in this order:
+ *   bySessionId 0 or above 8    "The session id is illegal!" (no table read)
+ *   PM session slot bySessionId differs from PmKey in any of its 15 bytes
+ *                               "Can not find the PM session!"
+ *   no MEP                      "Can not find the MEP!"
+ *   no MaNet (Tarv__DoesMANetExist)   "Can not find the MA!"
+ *   no MD                       "Can not find the MD!"
+ * The switch queries run after the MEP is found, also when the MA or MD
+ * check then fails. The MaNet record is read with Tarv__ReadMANet.
+ * Not attached: returns 0 after the code-12 error; no platform query.
+ */
+TARV_API uint32_t Tarv__GetMepInfoAbout1731Alarm(TARV_PM_KEY PmKey, char* pInfo);
+
+/* ------------------------------------------------------------------------
+ * Checkpoint region "/kelm-chkp-data"
+ * ------------------------------------------------------------------------ */
+
+/* The one checkpoint record (KELM_CHKP_DATA, opaque to this library), its
+ * one section and that section's value. */
+#define TARV_CHKP_DATA_SIZE 280
+#define TARV_CHKP_SECTION_ID 16u
+#define TARV_CHKP_SECTION_VALUE 1u
+
+/*
+ * Attaches the checkpoint region read-write (280 bytes), independently of
+ * "/kelm-data". Traces "%s\n" with the region name at debug level 7 on every
+ * call; does nothing more once attached. On failure: error code 12 "Open
+ * KELM Read-Write SHM failed - %s\n" (the name); the next call tries again.
+ */
+TARV_API void Tarv__ChkpOpen(void);
+
+/*
+ * Copies the whole 280-byte checkpoint record to pData. eSectionId is only
+ * traced. In this order:
+ *   1. debug level 7 "eSectionId: %d  lLengthInByte:%ld\n";
+ *   2. pData null: warning code 26 "Illegal pData.\n", *pwValue untouched;
+ *   3. *pwValue = 1;
+ *   4. lLengthInByte below 280, compared unsigned (a negative length counts
+ *      as very large and passes): warning code 3 "lLengthInByte %ld too
+ *      small, need %d\n", nothing copied;
+ *   5. debug level 5 "sizeof(KELM_CHKP_DATA) %d, lLengthInByte %ld\n";
+ *   6. not attached (no successful Tarv__ChkpOpen yet): warning code 3
+ *      "pChkpData is NULL\n", nothing copied; *pwValue has received 1 in
+ *      step 3 all the same;
+ *   7. exactly 280 bytes copied; bytes of pData past them untouched.
+ * pwValue must point to writable storage.
+ */
+TARV_API void Tarv__GetChkpData(uint32_t eSectionId, uint16_t* pwValue, void* pData, int32_t lLengthInByte);
+
+/*
+ * Copies lLengthInByte bytes from pData to the start of the checkpoint
+ * record; the record's later bytes keep their contents. Traces "%s\n" with
+ * the region name at debug level 7, then the first failing check ends the
+ * call with a warning, code 3, and nothing written:
+ *   eSectionId not 16      "Illegal eSectionId %d, expected %d\n"
+ *   wValue not 1           "Illegal wValue %d, expected %d\n"
+ *   lLengthInByte above 280, compared unsigned (negative lengths too)
+ *                          "lLengthInByte %ld too big, maximum %d\n"
+ *   not attached           "pChkpData is NULL\n"
+ * A length of 0 passes and writes nothing (pData may then be null).
+ */
+TARV_API void Tarv__SetChkpData(uint32_t eSectionId, uint16_t wValue, const void* pData, int32_t lLengthInByte);
+
+/* ------------------------------------------------------------------------
  * Performance-monitoring records (no region access, no trace, reentrant)
  * ------------------------------------------------------------------------ */
 

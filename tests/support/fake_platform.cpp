@@ -31,6 +31,7 @@ void record(TraceKind kind, TRCD_TRACE* object, const char* function, std::uint3
                   false};
     if (g_pending.object != object) r.file = "<no WQ_beginImpl>";
     fake().traces.push_back(std::move(r));
+    if (fake().on_trace) fake().on_trace(fake().traces.back());
 }
 
 }  // namespace

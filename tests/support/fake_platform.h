@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -44,6 +45,9 @@ struct FakePlatform {
     // Traces and calls seen since the last reset.
     std::vector<TraceRecord> traces;
     std::vector<ShmCall> shm_calls;
+    // Runs after each trace is recorded: lets a test change the region in
+    // the middle of a call, as the controller may.
+    std::function<void(const TraceRecord&)> on_trace;
 
     // Level words of DBG_KELM and of module 142.
     void set_debug_level(std::uint32_t level);

@@ -10,6 +10,7 @@ namespace tarv {
 std::uint8_t* pSharedData = nullptr;
 std::uint8_t* pStorData = nullptr;
 std::uint8_t abZeroKey[kZeroKeySize] = {};
+std::uint8_t* pChkpData = nullptr;
 
 const std::uint8_t* attached_region(const char* function) noexcept {
     if (pSharedData == nullptr) TARV_ERROR(function, trace::kNotAttached, "KELM_SHARED_DATA");

@@ -196,6 +196,9 @@ extern std::uint8_t* pStorData;
 // The empty-key pattern: a key slot is empty when its K bytes equal the
 // first K bytes of this block. Never written with anything but zeros.
 extern std::uint8_t abZeroKey[kZeroKeySize];
+// Base of the attached checkpoint region "/kelm-chkp-data"; null until a
+// Tarv__ChkpOpen succeeds, then never reset.
+extern std::uint8_t* pChkpData;
 
 // The attached region for a query made by `function`, or null when the process
 // has not attached one; then an error (code 12, "KELM_SHARED_DATA") is traced
