@@ -258,7 +258,7 @@ TARV_API int32_t Tarv__GetConfig(uint32_t lClassId, void* pConfig, uint32_t lCou
  * stored value otherwise. No terminator is read.
  * Class 580: accepted; nothing is read or written, attached or not.
  *
- * Returns:
+ * Returns (checked in this order: the class, the attach, the list):
  *   0   the class was rewritten (580: nothing to do).
  *   TARV_SET_CONFIG_UNKNOWN_CLASS (1): lClassId is none of the 21 classes
  *       (572, 577 and 578 included); nothing read, written or traced.
