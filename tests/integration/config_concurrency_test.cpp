@@ -14,7 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/prtm.h"
 #include "tarv/tarv.h"
 #include "tarv_host.h"
 
@@ -48,7 +47,7 @@ int exit_status(pid_t pid) {
 
 // A full list of `slots` records of class `id` with a `key`-byte key whose
 // last identifier is the slot + 1; every other slot only on odd rounds, so
-// readers see slots come and go. MEPs and MIPs sit on slot 1, port 4.
+// readers see slots come and go.
 Bytes list(std::uint16_t id, std::uint32_t key, std::uint32_t record, std::uint32_t slots, std::uint32_t round) {
     Bytes l;
     for (std::uint32_t s = 0; s < slots; ++s) {
@@ -57,8 +56,6 @@ Bytes list(std::uint16_t id, std::uint32_t key, std::uint32_t record, std::uint3
         t[0] = static_cast<std::uint8_t>(id), t[1] = static_cast<std::uint8_t>(id >> 8);
         const std::uint32_t last = s + 1;
         std::memcpy(t.data() + key - 4, &last, 4);  // little-endian host
-        if (id == 532) t[key + 46] = 1, t[key + 47] = 4;
-        if (id == 575) t[key + 12] = 1, t[key + 13] = 4;
         l.insert(l.end(), t.begin(), t.end());
     }
     l.resize(l.size() + key, 0);
@@ -72,14 +69,6 @@ void write_for(Clock::time_point end, int to_readers, int readers) {
         ASSERT_EQ(Tarv__SetConfig(575, list(575, 14, 14, 32, round).data()), 0);
         ASSERT_EQ(Tarv__SetConfig(581, list(581, 6, 16, 4096, round).data()), 0);
         if (round != 0) continue;
-        // The host platform's port model gives the MEP's address.
-        std::uint8_t mep[TARV_MEP_RECORD_SIZE], port_mac[6];
-        const Bytes first = list(532, 14, 48, 1, 0);
-        TARV_MOID moid;
-        std::memcpy(&moid, first.data(), sizeof moid);
-        Tarv__ReadMEP(moid, mep);
-        ASSERT_EQ(Prtm__GetPortMacAddress(1, 4, port_mac), 0);
-        EXPECT_EQ(std::memcmp(mep + 10, port_mac, 6), 0);
         for (int i = 0; i < readers; ++i) ASSERT_EQ(write(to_readers, "g", 1), 1);
     }
 }
