@@ -189,6 +189,99 @@ TARV_API void Tarv__SaveXMLIfOldConfig(void);
 TARV_API int32_t Tarv__GetConfig(uint32_t lClassId, void* pConfig, uint32_t lCount);
 
 /* ------------------------------------------------------------------------
+ * Configuration write by class
+ * ------------------------------------------------------------------------ */
+
+/* Results of Tarv__SetConfig other than 0. */
+#define TARV_SET_CONFIG_UNKNOWN_CLASS 1
+#define TARV_SET_CONFIG_NOT_ATTACHED (-1)
+#define TARV_SET_CONFIG_REFUSED (-2)
+
+/*
+ * Replaces everything the region holds for class lClassId by the transfer
+ * list at pConfig, in the format Tarv__GetConfig hands out: records of key
+ * then record, back to back, closed by an all-zero key (only as long as a
+ * key; nothing after it is read). A list that Tarv__GetConfig filled to the
+ * count asked for has no terminator: append one before writing it. Writes go
+ * through the read-write mapping of Tarv__StorOpen only.
+ *
+ * List classes (those of Tarv__GetConfig but 652): the class's arrays are
+ * emptied (every byte zero), then each record goes to its slot with its key
+ * exactly as received (its wClass is not compared with lClassId):
+ *   - by the low 16 bits of the key's last identifier minus 1 (lId1, lId2,
+ *     lId3 or lId4 for keys of 6, 10, 14 or 18 bytes): classes 526, 528,
+ *     531, 532, 573, 574, 575, 576, 579, 581, 638, 848. An identifier of
+ *     0x10001 thus goes to slot 0, like 1;
+ *   - by the session id (key byte 14) itself, 0..8: classes 665, 666, 674.
+ *     Session id 0 is stored in slot 0, which Tarv__GetConfig never lists;
+ *   - by position, the n-th record to slot n - 1: class 571 (32 slots) and
+ *     652 (throughput history, 4-byte lHistoryId, 101 slots). Records after
+ *     the last slot are not read, nor is a terminator after them.
+ * The list has no count limit otherwise; of two records for one slot the
+ * later stays. Slots no record names stay empty.
+ *
+ * Arrays emptied, and further writes per stored record (same slot):
+ *   526  its arrays; the 32-bit field at record offset 13 set to 1.
+ *   528  its arrays and those of class 572; the record's 32-bit field at
+ *        offset 9 set to 1; the class 572 key array gets the 18-byte key with
+ *        wClass 572, followed by its lId4 again.
+ *   532  its arrays and those of classes 577 and 848 (bandwidth
+ *        notifications); record offsets 22 and 28 (32-bit) set to 1; the MEP
+ *        MOID stored with wClass 577 and with wClass 848 in those key arrays
+ *        (their records stay zero); the MAC address (record offset 10) set by
+ *        the MAC rule. A list of bandwidth notifications must therefore be
+ *        written after the MEPs: a MEP write loses it.
+ *   575  its arrays and those of class 578; the MOID with wClass 578 in the
+ *        class 578 key array; the MAC address (record offset 0) by the MAC
+ *        rule.
+ *   638  eEnableStatus (record offset 9) set to 1; the 16-bit value at
+ *        offset 31 computed from A (offset 23, 32-bit), B (27) and C (29,
+ *        16-bit each): X = 125 * A and Y = B * C in 32-bit wrapping
+ *        arithmetic, r = Y / X + Y / X in double precision; D = 1 when r is
+ *        below 1, else the low 16 bits of r truncated to 32 bits. A of 0
+ *        counts as r = 0 when Y is 0 (D = 1) and as infinite otherwise; r of
+ *        2^32 and more saturates to 0xFFFFFFFF (D = 0xFFFF).
+ *   848  its arrays; "Enter" is traced at debug level 6 as
+ *        "Tarv__SetConfig_BandwidthNotification" before anything else.
+ *   others: their two arrays, nothing else.
+ * MAC rule, from the record's bySlot and byPort: slot 2 (a LAG) calls
+ * Hwin__Open and takes the base address of Hwin__GetUserPortBaseMacAddress;
+ * when its low 24 bits N (bytes 3..5, big-endian) satisfy N + 6 < 0x1000000
+ * they become N + byPort + 1, cut to 24 bits, else the base stays as it is.
+ * Slot 3 asks Prtm__GetPortMacAddress for port 1 of slot 3, any other slot
+ * for (bySlot, byPort). The 6 bytes are cleared before the platform is asked
+ * and its result is not examined: no base address, or a port library that
+ * writes nothing, stores an all-zero address.
+ *
+ * Singletons: 519 and 523 copy the first 14, respectively 12 bytes of
+ * pConfig; 673 copies 5 bytes when the first is not zero and leaves the
+ * stored value otherwise. No terminator is read.
+ * Class 580: accepted; nothing is read or written, attached or not.
+ *
+ * Returns (checked in this order: the class, the attach, the list):
+ *   0   the class was rewritten (580: nothing to do).
+ *   TARV_SET_CONFIG_UNKNOWN_CLASS (1): lClassId is none of the 21 classes
+ *       (572, 577 and 578 included); nothing read, written or traced.
+ *   TARV_SET_CONFIG_REFUSED (-2): a record before the terminator addresses
+ *       no slot of its class (instance number 0 or above the slot count, a
+ *       session id above 8). The list is checked before anything is emptied:
+ *       the region is left exactly as it was, and an error is traced (code
+ *       3): "Class %ld record %ld: instance %ld addresses no slot of 1..%ld"
+ *       (or "session id %ld ... of 0..8"), naming the class, the record's
+ *       position in the list (from 1), its instance number or session id.
+ *   TARV_SET_CONFIG_NOT_ATTACHED (-1): the process has no read-write attach
+ *       (no successful Tarv__StorOpen; a Tarv__Open alone is not enough).
+ *       Nothing is written anywhere; an error is traced (code 12,
+ *       "KELM_SHARED_DATA not attached read-write").
+ * No other trace is emitted.
+ *
+ * pConfig must not be null and must hold whole records up to the terminator
+ * (or up to the slot count of 571 and 652). No lock is taken: a reader can
+ * see the class empty or partly written; two writes must not run at once.
+ */
+TARV_API int32_t Tarv__SetConfig(uint32_t lClassId, const void* pConfig);
+
+/* ------------------------------------------------------------------------
  * MEP reading and iteration
  * ------------------------------------------------------------------------ */
 

@@ -1,6 +1,7 @@
 // Configuration read by class: Tarv__GetConfig copies every object of one
 // class out of the region as a transfer list (key then record, back to back).
 #include <cstring>
+#include <utility>
 
 #include "classes.h"
 #include "fields.h"
@@ -29,20 +30,22 @@ void trace_saved_history(std::uint32_t slot, const std::uint8_t* transfer_record
                static_cast<long>(slot), HistoryResultText(record).text);
 }
 
-// Listing rule of the table-backed classes.
-void read_list(const ClassInfo& c, std::uint8_t* out, std::uint32_t count) {
-    if (c.id == TARV_CLASS_BANDWIDTH_NOTIFICATION)
-        TARV_DEBUG(trace::kEnter, "Tarv__GetConfig_BandwidthNotification", "Enter");
-    const std::uint32_t k = c.key_size();
-    const std::uint32_t d = c.record_size();
-    const std::uint8_t* region = attached_region(kFunction);
-    if (region != nullptr) {
+// Listing rule of the table-backed classes, one instantiation per class so
+// that the emptiness test and the two copies have fixed sizes and inline.
+template <std::size_t I>
+void read_list(std::uint8_t* out, std::uint32_t count) {
+    constexpr const ClassInfo& c = kClasses[I];
+    constexpr std::uint32_t k = c.key_size();
+    constexpr std::uint32_t d = c.record_size();
+    if constexpr (c.traces_enter) TARV_DEBUG(trace::kEnter, "Tarv__GetConfig_BandwidthNotification", "Enter");
+    if (const std::uint8_t* region = attached_region(kFunction)) {
+        const std::uint8_t* key = entry(region, c.keys, c.first_slot);
+        const std::uint8_t* record = entry(region, c.data, c.first_slot);
         std::uint32_t written = 0;
-        for (std::uint32_t s = c.first_slot; s < c.slots(); ++s) {
-            const std::uint8_t* key = entry(region, c.keys, s);
-            if (!slot_occupied(c, key, s)) continue;
+        for (std::uint32_t s = c.first_slot; s < c.slots(); ++s, key += k, record += d) {
+            if (!slot_occupied<I>(key, s)) continue;
             std::memcpy(out, key, k);
-            std::memcpy(out + k, entry(region, c.data, s), d);
+            std::memcpy(out + k, record, d);
             out += k + d;
             if (++written >= count) return;
         }
@@ -68,28 +71,34 @@ void read_history(const ClassInfo& c, std::uint8_t* out, std::uint32_t count) {
     }
 }
 
+template <std::size_t I>
+void read_class(std::uint8_t* out, std::uint32_t count) {
+    constexpr const ClassInfo& c = kClasses[I];
+    if constexpr (c.rule == ClassRule::List) {
+        read_list<I>(out, count);
+    } else if constexpr (c.rule == ClassRule::Singleton) {
+        if (const std::uint8_t* region = attached_region(kFunction))
+            std::memcpy(out, entry(region, c.data, 0), c.record_size());
+    } else if constexpr (c.rule == ClassRule::History) {
+        read_history(c, out, count);
+    }
+}
+
+using Reader = void (*)(std::uint8_t*, std::uint32_t);
+template <std::size_t... I>
+constexpr std::array<Reader, sizeof...(I)> readers(std::index_sequence<I...>) {
+    return {&read_class<I>...};
+}
+constexpr auto kReaders = readers(std::make_index_sequence<kClasses.size()>());
+
 }  // namespace
 }  // namespace tarv
 
 using namespace tarv;
 
 extern "C" TARV_API int32_t Tarv__GetConfig(uint32_t lClassId, void* pConfig, uint32_t lCount) {
-    const ClassInfo* c = find_class(lClassId);
-    if (c == nullptr) return 1;
-    auto* out = static_cast<std::uint8_t*>(pConfig);
-    switch (c->rule) {
-        case ClassRule::List:
-            read_list(*c, out, lCount);
-            break;
-        case ClassRule::Singleton:
-            if (const std::uint8_t* region = attached_region(kFunction))
-                std::memcpy(out, entry(region, c->data, 0), c->record_size());
-            break;
-        case ClassRule::History:
-            read_history(*c, out, lCount);
-            break;
-        case ClassRule::NoStorage:
-            break;
-    }
+    const std::size_t i = class_index(lClassId);
+    if (i == kClasses.size()) return 1;
+    kReaders[i](static_cast<std::uint8_t*>(pConfig), lCount);
     return 0;
 }

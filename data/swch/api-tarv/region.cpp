@@ -17,6 +17,11 @@ const std::uint8_t* attached_region(const char* function) noexcept {
     return pSharedData;
 }
 
+std::uint8_t* writable_region(const char* function) noexcept {
+    if (pStorData == nullptr) TARV_ERROR(function, trace::kNotAttached, "KELM_SHARED_DATA not attached read-write");
+    return pStorData;
+}
+
 }  // namespace tarv
 
 using namespace tarv;

@@ -205,6 +205,11 @@ extern std::uint8_t* pChkpData;
 // and the caller answers without touching memory.
 [[nodiscard]] const std::uint8_t* attached_region(const char* function) noexcept;
 
+// The read-write mapping for the configuration writer `function`, or null when
+// Tarv__StorOpen has not attached one (also after a Tarv__Open alone); then an
+// error (code 12) is traced and nothing may be written.
+[[nodiscard]] std::uint8_t* writable_region(const char* function) noexcept;
+
 // ---------------------------------------------------------------------------
 // Entries, occupancy, lookup
 // ---------------------------------------------------------------------------
@@ -224,6 +229,27 @@ extern std::uint8_t* pChkpData;
 // True when the key array slot holds an all-zero key (an empty slot).
 [[nodiscard]] inline bool key_empty(const std::uint8_t* key, std::uint32_t key_size) noexcept {
     return std::memcmp(key, abZeroKey, key_size) == 0;
+}
+
+// The same test for a key size fixed at compile time, inline and without a
+// call: the key's bytes are ORed in words of 8, 4, 2 and 1 bytes. abZeroKey
+// only ever holds zeros, so this is the comparison above.
+template <std::uint32_t K>
+[[nodiscard]] inline bool key_empty(const std::uint8_t* key) noexcept {
+    static_assert(K > 0 && K <= kZeroKeySize);
+    std::uint64_t bits = 0;
+    std::uint32_t at = 0;
+    for (; at + 8 <= K; at += 8) bits |= load_le<std::uint64_t>(key + at);
+    if constexpr (K % 8 >= 4) {
+        bits |= load_le<std::uint32_t>(key + at);
+        at += 4;
+    }
+    if constexpr (K % 4 >= 2) {
+        bits |= load_le<std::uint16_t>(key + at);
+        at += 2;
+    }
+    if constexpr (K % 2 == 1) bits |= key[at];
+    return bits == 0;
 }
 
 // Slot hint of a keyed object: the low 16 bits of the key's last identifier
