@@ -14,21 +14,6 @@ MD 3 "Operator", level 7
 
 3 MDs, 3 MAs, 5 MEPs, 2 MIPs, 2 throughput tests, 2 PM sessions, 5 bandwidth notifications
 [exit 0]
-$ tarvctl --region demo.bin show tree
-MD 1 "Customer", level 5
-  MA 1/1 "CustomerVPN-100": C-VLAN 100, CCM period 4
-    MEP 1/1/1  id 101  1/3    VLAN 100  Down  02:54:41:52:57:03
-    MEP 1/1/2  id 102  lag 5  VLAN 100  Up    02:54:41:52:56:06
-MD 2 "Provider", level 3
-  MA 2/2 "Backbone-200": S-VLAN 200, CCM period 2
-    MEP 2/2/3  id 201  4/2    VLAN 200  Down  02:54:41:52:5a:02
-    MEP 2/2/4  id 202  3/7    VLAN 200  Up    02:54:41:52:59:01
-MD 3 "Operator", level 7
-  MA 3/3 "Metro-VFI-7": VFI 7, CCM period 4
-    MEP 3/3/5  id 301  1/4    VFI 7     Down  02:54:41:52:57:04
-
-3 MDs, 3 MAs, 5 MEPs, 2 MIPs, 2 throughput tests, 2 PM sessions, 5 bandwidth notifications
-[exit 0]
 $ tarvctl --region demo.bin show mds
 MD  NAME      LEVEL  MAS  MEPS
 1   Customer  5      1    2

@@ -1,4 +1,4 @@
-# JSON for scripts: every view at once, one view, an empty view.
+# JSON for scripts: every view at once, and an empty view.
 $ tarvctl --region demo.bin show --json
 {
   "mds": [
@@ -261,80 +261,6 @@ $ tarvctl --region demo.bin show --json
     }
   ]
 }
-[exit 0]
-$ tarvctl --region demo.bin show meps --json
-[
-  {
-    "md": 1,
-    "ma": 1,
-    "mep": 1,
-    "mepId": 101,
-    "maName": "CustomerVPN-100",
-    "slot": 1,
-    "port": 3,
-    "lag": null,
-    "vid": 100,
-    "tagging": "C-VLAN",
-    "direction": "Down",
-    "mac": "02:54:41:52:57:03"
-  },
-  {
-    "md": 1,
-    "ma": 1,
-    "mep": 2,
-    "mepId": 102,
-    "maName": "CustomerVPN-100",
-    "slot": 2,
-    "port": 5,
-    "lag": 5,
-    "vid": 100,
-    "tagging": "C-VLAN",
-    "direction": "Up",
-    "mac": "02:54:41:52:56:06"
-  },
-  {
-    "md": 2,
-    "ma": 2,
-    "mep": 3,
-    "mepId": 201,
-    "maName": "Backbone-200",
-    "slot": 4,
-    "port": 2,
-    "lag": null,
-    "vid": 200,
-    "tagging": "S-VLAN",
-    "direction": "Down",
-    "mac": "02:54:41:52:5a:02"
-  },
-  {
-    "md": 2,
-    "ma": 2,
-    "mep": 4,
-    "mepId": 202,
-    "maName": "Backbone-200",
-    "slot": 3,
-    "port": 7,
-    "lag": null,
-    "vid": 200,
-    "tagging": "S-VLAN",
-    "direction": "Up",
-    "mac": "02:54:41:52:59:01"
-  },
-  {
-    "md": 3,
-    "ma": 3,
-    "mep": 5,
-    "mepId": 301,
-    "maName": "Metro-VFI-7",
-    "slot": 1,
-    "port": 4,
-    "lag": null,
-    "vid": 7,
-    "tagging": "VFI",
-    "direction": "Down",
-    "mac": "02:54:41:52:57:04"
-  }
-]
 [exit 0]
 $ tarvctl --region empty.bin show pm --json
 []
