@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <string>
+#include <unordered_map>
 
 #include "commands.h"
 #include "records.h"
@@ -29,9 +31,11 @@ public:
     explicit Checker(Bytes region) : region_(region) {}
 
     std::vector<Finding> run() {
-        for (const ClassDef& c : classes())
-            if (c.rule == Rule::List || c.rule == Rule::History)
-                for (std::uint32_t s = 0; s < c.slots; ++s) check_slot(c, s);
+        for (const ClassDef& c : classes()) {
+            if (c.rule != Rule::List && c.rule != Rule::History) continue;
+            seen_.clear();
+            for (std::uint32_t s = 0; s < c.slots; ++s) check_slot(c, s);
+        }
         return std::move(findings_);
     }
 
@@ -102,12 +106,8 @@ private:
             else if (ids.session != s)
                 add(c.keys.name, s, fmt::format("{}: session id {} does not match the slot", name, ids.session));
         }
-        for (std::uint32_t t = 0; t < s; ++t) {
-            if (std::equal(k.begin(), k.end(), key(c, t).begin())) {
-                add(c.keys.name, s, fmt::format("{}: same key as slot {}", name, t));
-                break;
-            }
-        }
+        const auto [first, fresh] = seen_.try_emplace(std::string(k.begin(), k.end()), s);
+        if (!fresh) add(c.keys.name, s, fmt::format("{}: same key as slot {}", name, first->second));
         if (!listed(c, s)) return;
         for (const Parent& p : kParents) {
             if (p.child != c.id) continue;
@@ -140,6 +140,7 @@ private:
 
     Bytes region_;
     std::vector<Finding> findings_;
+    std::unordered_map<std::string, std::uint32_t> seen_;  // keys of the class so far, by first slot
 };
 
 }  // namespace

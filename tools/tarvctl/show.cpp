@@ -53,23 +53,29 @@ void print_table_or_none(const Table& table, std::string_view none) {
 
 // ------------------------------------------------------------------ views
 
+// How many of `objects` belong to MD `md`.
+template <typename T>
+std::size_t in_md(const std::vector<T>& objects, std::uint32_t md) {
+    return static_cast<std::size_t>(
+        std::count_if(objects.begin(), objects.end(), [&](const T& o) { return o.md == md; }));
+}
+
 void mds_text(const Configuration& c) {
     Table t({"MD", "NAME", "LEVEL", "MAS", "MEPS"});
-    for (const Md& md : c.mds) {
-        const auto mas = std::count_if(c.mas.begin(), c.mas.end(), [&](const Ma& m) { return m.md == md.md; });
-        const auto meps = std::count_if(c.meps.begin(), c.meps.end(), [&](const Mep& m) { return m.md == md.md; });
-        t.add({std::to_string(md.md), md.name, std::to_string(md.level), std::to_string(mas), std::to_string(meps)});
-    }
+    for (const Md& md : c.mds)
+        t.add({std::to_string(md.md), md.name, std::to_string(md.level), std::to_string(in_md(c.mas, md.md)),
+               std::to_string(in_md(c.meps, md.md))});
     print_table_or_none(t, "no MDs");
 }
 
 Json mds_json(const Configuration& c) {
     Json list = Json::array();
-    for (const Md& md : c.mds) {
-        const auto mas = std::count_if(c.mas.begin(), c.mas.end(), [&](const Ma& m) { return m.md == md.md; });
-        const auto meps = std::count_if(c.meps.begin(), c.meps.end(), [&](const Mep& m) { return m.md == md.md; });
-        list.push_back({{"md", md.md}, {"name", md.name}, {"level", md.level}, {"mas", mas}, {"meps", meps}});
-    }
+    for (const Md& md : c.mds)
+        list.push_back({{"md", md.md},
+                        {"name", md.name},
+                        {"level", md.level},
+                        {"mas", in_md(c.mas, md.md)},
+                        {"meps", in_md(c.meps, md.md)}});
     return list;
 }
 
