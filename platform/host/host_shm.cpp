@@ -46,7 +46,8 @@ void* map_file(const char* name, const char* path, std::uint32_t size, bool read
     } else {
         base = mmap(nullptr, size, read_only ? PROT_READ : PROT_READ | PROT_WRITE, MAP_PRIVATE, fd, 0);
         if (base == MAP_FAILED)
-            diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: mmap: %s", name, size, flag, path, std::strerror(errno));
+            diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: mmap: %s", name, size, flag, path,
+                       std::strerror(errno));
     }
     close(fd);
     return base == MAP_FAILED ? nullptr : base;

@@ -160,7 +160,7 @@ std::string tagging_text(std::uint32_t tagging) {
     switch (tagging) {
         case 1: return "C-VLAN";
         case 2: return "S-VLAN";
-        case 5: return "VFI";
+        case kTaggingVfi: return "VFI";
         default: return fmt::format("tagging {}", tagging);
     }
 }

@@ -82,7 +82,8 @@ DataRegion DataRegion::attach(const Options& options) {
                                       "with --prefix, TARV_SHM_PREFIX or --region FILE",
                                       where));
     }
-    const auto* base = static_cast<const std::uint8_t*>(Pcor__OpenShm(kDataRegion, kDataRegionSize, PCOR_SHM_READ_ONLY));
+    const auto* base =
+        static_cast<const std::uint8_t*>(Pcor__OpenShm(kDataRegion, kDataRegionSize, PCOR_SHM_READ_ONLY));
     if (base == nullptr) io_failure(fmt::format("cannot map {}", where));
     Tarv__Open();
     return DataRegion(base, where);

@@ -28,7 +28,8 @@ const std::string* ma_name(const Configuration& c, std::uint32_t md, std::uint32
 // "C-VLAN 100, S-VLAN 200" for the MA's components, "-" for none.
 std::string components_text(const Configuration& c, const Ma& ma) {
     std::vector<std::string> parts;
-    for (const MaComp* comp : c.comps_of(ma.md, ma.ma)) parts.push_back(tagging_text(comp->tagging) + " " + std::to_string(comp->vid));
+    for (const MaComp* comp : c.comps_of(ma.md, ma.ma))
+        parts.push_back(fmt::format("{} {}", tagging_text(comp->tagging), comp->vid));
     return parts.empty() ? "-" : fmt::format("{}", fmt::join(parts, ", "));
 }
 
@@ -132,7 +133,11 @@ Json meps_json(const Configuration& c) {
     Json list = Json::array();
     for (const Mep& m : c.meps) {
         const MaComp* comp = first_comp(c, m.md, m.ma);
-        Json j = {{"md", m.md}, {"ma", m.ma}, {"mep", m.mep}, {"mepId", m.id}, {"maName", or_null(ma_name(c, m.md, m.ma))}};
+        Json j = {{"md", m.md},
+                  {"ma", m.ma},
+                  {"mep", m.mep},
+                  {"mepId", m.id},
+                  {"maName", or_null(ma_name(c, m.md, m.ma))}};
         j = place_json(std::move(j), m.slot, m.port);
         j["vid"] = m.vid;
         j["tagging"] = comp != nullptr ? Json(tagging_text(comp->tagging)) : Json(nullptr);
@@ -241,7 +246,11 @@ void bwn_text(const Configuration& c) {
 Json bwn_json(const Configuration& c) {
     Json list = Json::array();
     for (const Bwn& b : c.bwn)
-        list.push_back({{"md", b.md}, {"ma", b.ma}, {"mep", b.mep}, {"mepId", mep_id_json(c, b.md, b.ma, b.mep)}, {"record", b.data}});
+        list.push_back({{"md", b.md},
+                        {"ma", b.ma},
+                        {"mep", b.mep},
+                        {"mepId", mep_id_json(c, b.md, b.ma, b.mep)},
+                        {"record", b.data}});
     return list;
 }
 
@@ -250,7 +259,7 @@ Json bwn_json(const Configuration& c) {
 // A MEP as one line of the tree: its VID is a VFI when its MA's service is.
 std::vector<std::string> tree_mep(const Configuration& c, const Mep& m) {
     const MaComp* comp = first_comp(c, m.md, m.ma);
-    const bool vfi = comp != nullptr && tagging_text(comp->tagging) == "VFI";
+    const bool vfi = comp != nullptr && comp->tagging == kTaggingVfi;
     return {fmt::format("MEP {}", path_text({m.md, m.ma, m.mep})), fmt::format("id {}", m.id),
             port_text(m.slot, m.port), fmt::format("{} {}", vfi ? "VFI" : "VLAN", m.vid), direction_text(m.direction),
             m.mac};
@@ -265,7 +274,8 @@ void tree_text(const Configuration& c) {
     };
 
     for (const Md& md : c.mds) {
-        fmt::print("{}\n", paint(stdout, Tone::Heading, fmt::format("MD {} \"{}\", level {}", md.md, md.name, md.level)));
+        const std::string heading = fmt::format("MD {} \"{}\", level {}", md.md, md.name, md.level);
+        fmt::print("{}\n", paint(stdout, Tone::Heading, heading));
         for (const Ma& ma : c.mas) {
             if (ma.md != md.md) continue;
             fmt::print("  MA {} \"{}\": {}, CCM period {}\n", path_text({ma.md, ma.ma}), ma.name,
