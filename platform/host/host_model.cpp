@@ -196,6 +196,7 @@ void reset() noexcept {
     g_model = Model{};
     DBG_KELM.lLevel = kDefaultDebugLevel;
     module_object().lLevel = kDefaultModuleLevel;
+    forget_region_files();
     load_environment();
 }
 

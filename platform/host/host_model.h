@@ -61,6 +61,9 @@ bool set_port_type(Model& m, std::uint32_t slot, std::uint32_t port, std::int32_
 // True when `prefix` is a valid shared-memory prefix.
 bool valid_prefix(const char* prefix) noexcept;
 
+// Returns every name served from a region file to shared memory.
+void forget_region_files() noexcept;
+
 // One diagnostic line "tarv-host: ..." on stderr.
 void diagnostic(const char* format, ...) noexcept __attribute__((format(printf, 1, 2)));
 

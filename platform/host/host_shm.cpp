@@ -15,9 +15,53 @@ namespace {
 
 constexpr mode_t kCreateMode = 0660;
 
+// Names served from files instead of shared memory; an empty name is a free
+// entry.
+struct RegionFile {
+    char name[TARV_HOST_SHM_NAME_MAX + 1];
+    char path[TARV_HOST_REGION_PATH_MAX + 1];
+};
+constinit RegionFile g_region_files[TARV_HOST_REGION_FILES_MAX]{};
+
+RegionFile* region_file(const char* name) noexcept {
+    for (RegionFile& f : g_region_files)
+        if (f.name[0] != '\0' && std::strcmp(f.name, name) == 0) return &f;
+    return nullptr;
+}
+
+// A private copy-on-write mapping of the first `size` bytes of a region file.
+void* map_file(const char* name, const char* path, std::uint32_t size, bool read_only, std::int32_t flag) noexcept {
+    const int fd = open(path, O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: %s", name, size, flag, path, std::strerror(errno));
+        return nullptr;
+    }
+    struct stat st {};
+    void* base = MAP_FAILED;
+    if (fstat(fd, &st) != 0) {
+        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: fstat: %s", name, size, flag, path, std::strerror(errno));
+    } else if (st.st_size < static_cast<off_t>(size)) {
+        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s has %lld bytes, fewer than asked", name, size, flag, path,
+                   static_cast<long long>(st.st_size));
+    } else {
+        base = mmap(nullptr, size, read_only ? PROT_READ : PROT_READ | PROT_WRITE, MAP_PRIVATE, fd, 0);
+        if (base == MAP_FAILED)
+            diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: mmap: %s", name, size, flag, path,
+                       std::strerror(errno));
+    }
+    close(fd);
+    return base == MAP_FAILED ? nullptr : base;
+}
+
+// A name of the form "/name" with no further slash.
+bool valid_name(const char* name) noexcept {
+    return name != nullptr && name[0] == '/' && name[1] != '\0' && std::strchr(name + 1, '/') == nullptr &&
+           std::strlen(name) <= TARV_HOST_SHM_NAME_MAX;
+}
+
 // Object name for `name`: the prefix goes right after the leading slash.
 bool object_name(const char* name, char* out, std::size_t size) noexcept {
-    if (name == nullptr || name[0] != '/' || name[1] == '\0' || std::strchr(name + 1, '/') != nullptr) return false;
+    if (!valid_name(name)) return false;
     const char* prefix = model().shm_prefix;
     const std::size_t length = 1 + std::strlen(prefix) + std::strlen(name + 1);
     if (length > TARV_HOST_SHM_NAME_MAX || length >= size) return false;
@@ -88,6 +132,11 @@ void* map_object(const char* object, std::uint32_t size, bool read_only, std::in
 }
 
 }  // namespace
+
+void forget_region_files() noexcept {
+    for (RegionFile& f : g_region_files) f = RegionFile{};
+}
+
 }  // namespace tarv::host
 
 extern "C" {
@@ -108,7 +157,26 @@ void* Pcor__OpenShm(const char* pName, uint32_t lSize, int32_t lReadOnly) {
         diagnostic("Pcor__OpenShm(\"%s\", 0, %d): size 0", object, lReadOnly);
         return nullptr;
     }
+    if (const RegionFile* file = region_file(pName))
+        return map_file(pName, file->path, lSize, lReadOnly == PCOR_SHM_READ_ONLY, lReadOnly);
     return map_object(object, lSize, lReadOnly == PCOR_SHM_READ_ONLY, lReadOnly);
+}
+
+int TarvHost_SetRegionFile(const char* pName, const char* pPath) {
+    using namespace tarv::host;
+    if (!valid_name(pName)) return -1;
+    RegionFile* file = region_file(pName);
+    if (pPath == nullptr || pPath[0] == '\0') {
+        if (file != nullptr) *file = RegionFile{};
+        return 0;
+    }
+    if (std::strlen(pPath) > TARV_HOST_REGION_PATH_MAX) return -1;
+    for (RegionFile& f : g_region_files)
+        if (file == nullptr && f.name[0] == '\0') file = &f;
+    if (file == nullptr) return -1;
+    std::strcpy(file->name, pName);
+    std::strcpy(file->path, pPath);
+    return 0;
 }
 
 int TarvHost_ShmObjectName(const char* pName, char* pBuffer, size_t lSize) {

@@ -33,6 +33,15 @@
  *     inserted after the leading slash: with prefix "t1234-", "/kelm-data"
  *     becomes the object "/t1234-kelm-data". Tests and demos use their own
  *     prefix so they never touch a real region, nor each other's.
+ *   - Region files (TarvHost_SetRegionFile): a name given a file is served
+ *     from that file instead of shared memory, for offline work on a saved
+ *     copy of a region. The file is opened read-only when Pcor__OpenShm
+ *     runs (a relative path from the working directory then) and mapped
+ *     MAP_PRIVATE: flag 1 maps it PROT_READ, flag 0 PROT_READ|PROT_WRITE,
+ *     and writes stay in the process, never reaching the file. A file
+ *     smaller than the size asked, or one that cannot be opened, gives null
+ *     with one "tarv-host:" line; the prefix plays no part. The file itself
+ *     is never created, truncated or written.
  *
  * Traces
  *   One line per trace statement, written with a single fputs and flushed,
@@ -80,6 +89,7 @@
  *   port type (Lanx__GetPbPortType)  1 for every port; up to 64 ports can
  *                                    be given another type
  *   shared-memory prefix             none
+ *   region files                     none: every name is shared memory
  *   trace stream                     stderr
  *
  * Environment, read once when the library is loaded (and again by
@@ -152,6 +162,20 @@ int TarvHost_SetLagMembers(uint32_t lLagId, const uint8_t* pMembers, uint32_t lC
  * longer than 64 or has a character outside A-Z a-z 0-9 . _ - (the prefix
  * is then unchanged). */
 int TarvHost_SetShmPrefix(const char* pPrefix);
+
+/* Longest path of a region file, without the terminator. */
+#define TARV_HOST_REGION_PATH_MAX 4095
+/* Most names served from files at one time. */
+#define TARV_HOST_REGION_FILES_MAX 4
+
+/* Serves the shared-memory name pName (as the library passes it, e.g.
+ * "/kelm-data") from the file pPath from now on; a null or empty pPath
+ * returns the name to shared memory. Giving a name a new file replaces the
+ * old one. Mappings already made stay. TarvHost_Reset forgets every file.
+ * Returns 0, or -1 when pName is not a valid object name, pPath is longer
+ * than TARV_HOST_REGION_PATH_MAX, or TARV_HOST_REGION_FILES_MAX other names
+ * have files already (nothing changes then). */
+int TarvHost_SetRegionFile(const char* pName, const char* pPath);
 
 /* Writes the object name that Pcor__OpenShm uses for pName (with the prefix)
  * into pBuffer of lSize bytes, e.g. to shm_unlink it. Returns 0, or -1 when

@@ -1,0 +1,249 @@
+// Writes the saved regions the tarvctl tests run on, through the library's
+// own table directory and field list:
+//   empty.bin   a zero-filled region
+//   demo.bin    a realistic configuration, as the configuration-database
+//               manager and the controller leave it
+//   demo2.bin   demo.bin with a MEP added and a MIP removed
+//   faults.bin  demo.bin with one fault of every kind `check` reports
+//   short.bin   1000 bytes, not a region
+// Usage: tarvctl_fixture DIRECTORY
+#include <cstdio>
+#include <cstring>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "fields.h"
+#include "region.h"
+
+namespace {
+
+using tarv::Table;
+
+class Region {
+public:
+    Region() : bytes_(tarv::kRegionSize) {}
+
+    std::uint8_t* at(Table t, std::uint32_t slot) { return tarv::entry(bytes_.data(), t, slot); }
+
+    // A key: wClass, then 32-bit identifiers, then an optional session byte.
+    void key(Table t, std::uint32_t slot, std::uint16_t cls, std::initializer_list<std::uint32_t> ids,
+             int session = -1) {
+        std::uint8_t* k = at(t, slot);
+        std::memset(k, 0, tarv::info(t).entry);
+        tarv::store_le(k, cls);
+        std::uint32_t offset = 2;
+        for (std::uint32_t id : ids) {
+            tarv::store_le(k + offset, id);
+            offset += 4;
+        }
+        if (session >= 0) k[offset] = static_cast<std::uint8_t>(session);
+    }
+    void clear(Table t, std::uint32_t slot) { std::memset(at(t, slot), 0, tarv::info(t).entry); }
+
+    template <typename V>
+    void set(Table t, std::uint32_t slot, tarv::Field<V> f, V value) {
+        tarv::set(at(t, slot), f, value);
+    }
+    void text(Table t, std::uint32_t slot, tarv::Bytes f, const char* value) {
+        std::memcpy(at(t, slot) + f.offset, value, std::min<std::size_t>(std::strlen(value), f.size));
+    }
+    void fill(Table t, std::uint32_t slot, std::initializer_list<std::uint8_t> bytes, std::uint32_t offset = 0) {
+        std::memcpy(at(t, slot) + offset, std::data(bytes), bytes.size());
+    }
+
+    bool save(const std::string& path) const {
+        std::FILE* f = std::fopen(path.c_str(), "wb");
+        const bool ok = f != nullptr && std::fwrite(bytes_.data(), 1, bytes_.size(), f) == bytes_.size();
+        return f != nullptr && std::fclose(f) == 0 && ok;
+    }
+
+private:
+    std::vector<std::uint8_t> bytes_;
+};
+
+// The MAC the configuration writer derives for a point on (slot, port)
+// with the host platform's default base address 02:54:41:52:56:00.
+void set_mac(Region& r, Table t, std::uint32_t slot, tarv::Bytes field, std::uint8_t on_slot, std::uint8_t port) {
+    std::uint32_t low = 0x525600;
+    if (on_slot == 2)
+        low += port + 1u;
+    else
+        low += 0x100u * on_slot + (on_slot == 3 ? 1u : port);
+    r.fill(t, slot, {0x02, 0x54, 0x41, static_cast<std::uint8_t>(low >> 16), static_cast<std::uint8_t>(low >> 8),
+                     static_cast<std::uint8_t>(low)},
+           field.offset);
+}
+
+void md(Region& r, std::uint32_t id, const char* name, std::uint32_t level_code) {
+    r.key(Table::MdMoidArray, id - 1, 531, {id});
+    r.text(Table::MdDataArray, id - 1, tarv::md::acMdName, name);
+    r.set(Table::MdDataArray, id - 1, tarv::md::eMdLevel, level_code);
+}
+
+void ma(Region& r, std::uint32_t md_id, std::uint32_t id, const char* name, std::uint32_t ccm) {
+    r.key(Table::MaNetMoidArray, id - 1, 574, {md_id, id});
+    r.text(Table::MaNetDataArray, id - 1, tarv::manet::acMaName, name);
+    r.set(Table::MaNetDataArray, id - 1, tarv::manet::dwCcmPeriod, ccm);
+    r.fill(Table::MaNetDataArray, id - 1, {0x01, 0x00, 0x00, 0x00});  // the controller's own bytes
+}
+
+void comp(Region& r, std::uint32_t md_id, std::uint32_t ma_id, std::uint32_t id, std::uint32_t tagging,
+          std::uint16_t vid) {
+    r.key(Table::MACompMoidArray, id - 1, 573, {md_id, ma_id, id});
+    r.set(Table::MACompDataArray, id - 1, tarv::macomp::eTagging, tagging);
+    r.set(Table::MACompDataArray, id - 1, tarv::macomp::wVid, vid);
+}
+
+struct MepDef {
+    std::uint32_t md, ma, mep;
+    std::uint16_t id;
+    std::uint32_t direction;
+    std::uint16_t vid;
+    std::uint8_t slot, port;
+    std::uint16_t alarms;
+};
+
+// A MEP as the writer stores it (fields set to 1, MAC, companion keys) with
+// what the controller adds (alarm bits, old MOID).
+void mep(Region& r, const MepDef& m) {
+    const std::uint32_t s = m.mep - 1;
+    for (Table t : {Table::MepMoidArray, Table::MepOldMoidArray}) r.key(t, s, 532, {m.md, m.ma, m.mep});
+    r.key(Table::Class577MoidArray, s, 577, {m.md, m.ma, m.mep});
+    r.key(Table::BandwidthNotificationMoidArray, s, 848, {m.md, m.ma, m.mep});
+    const Table d = Table::MepDataArray;
+    r.set(d, s, tarv::mep::wMepId, m.id);
+    r.set(d, s, tarv::mep::eDirection, m.direction);
+    r.set(d, s, tarv::mep::wVid, m.vid);
+    set_mac(r, d, s, tarv::mep::abyMacAddress, m.slot, m.port);
+    r.set(d, s, tarv::mep::bAlarmBit2Enabled, std::uint8_t{1});
+    r.set(d, s, tarv::mep::lStored1, 1u);
+    r.set(d, s, tarv::mep::wAlarmBits, m.alarms);
+    r.set(d, s, tarv::mep::lStored2, 1u);
+    r.set(d, s, tarv::mep::bySlot, m.slot);
+    r.set(d, s, tarv::mep::byPort, m.port);
+}
+
+void mip(Region& r, std::uint32_t md_id, std::uint32_t ma_id, std::uint32_t id, std::uint8_t slot, std::uint8_t port) {
+    r.key(Table::MipMoidArray, id - 1, 575, {md_id, ma_id, id});
+    r.key(Table::Class578MoidArray, id - 1, 578, {md_id, ma_id, id});
+    set_mac(r, Table::MipDataArray, id - 1, tarv::mip::abyMacAddress, slot, port);
+    r.set(Table::MipDataArray, id - 1, tarv::mip::bySlot, slot);
+    r.set(Table::MipDataArray, id - 1, tarv::mip::byPort, port);
+}
+
+void throughput(Region& r, std::initializer_list<std::uint32_t> key, std::uint32_t status, std::uint32_t a,
+                std::uint16_t b, std::uint16_t c, std::uint16_t derived) {
+    const std::uint32_t s = *(key.end() - 1) - 1;
+    r.key(Table::ThroughputMoidArray, s, 638, key);
+    const Table d = Table::ThroughputDataArray;
+    r.set(d, s, tarv::throughput::eEnableStatus, status);
+    r.set(d, s, tarv::throughput::lOperandA, a);
+    r.set(d, s, tarv::throughput::wOperandB, b);
+    r.set(d, s, tarv::throughput::wOperandC, c);
+    r.set(d, s, tarv::throughput::wDerived, derived);
+}
+
+void history(Region& r, std::uint32_t slot, std::uint32_t id, const char* result) {
+    tarv::store_le(r.at(Table::ThroughputHistoryIdArray, slot), id);
+    r.fill(Table::ThroughputHistoryDataArray, slot, {0x01, 0x00, 0x00, 0x00, static_cast<std::uint8_t>(id)});
+    r.text(Table::ThroughputHistoryDataArray, slot, tarv::history::acResult, result);
+}
+
+void pm_session(Region& r, std::uint32_t session, std::uint32_t md_id, std::uint32_t ma_id, std::uint32_t mep_id) {
+    for (Table t : {Table::PMSessionMoidArray, Table::PMSessionOldMoidArray, Table::PMAlarmMoidArray})
+        r.key(t, session, 674, {md_id, ma_id, mep_id}, static_cast<int>(session));
+    r.fill(Table::PMSessionDataArray, session, {0x02, 0x00, 0x00, 0x00, 0x0a, static_cast<std::uint8_t>(session)});
+}
+
+Region demo() {
+    Region r;
+    r.fill(Table::Class519Record, 0, {0x01, 0x00, 0x00, 0x00, 0x05, 0x00, 0x00, 0x00, 0x2a});
+    r.fill(Table::Class523Record, 0, {0x10, 0x27, 0x00, 0x00, 0x01});
+    r.fill(Table::Class673Record, 0, {0x03, 0x00, 0x00, 0x00, 0x01});
+    md(r, 1, "Customer", 6);
+    md(r, 2, "Provider", 4);
+    md(r, 3, "Operator", 8);
+    ma(r, 1, 1, "CustomerVPN-100", 4);
+    ma(r, 2, 2, "Backbone-200", 2);
+    ma(r, 3, 3, "Metro-VFI-7", 4);
+    comp(r, 1, 1, 1, 1, 100);
+    comp(r, 2, 2, 2, 2, 200);
+    comp(r, 3, 3, 3, 5, 7);
+    mep(r, {1, 1, 1, 101, 1, 100, 1, 3, 0});
+    mep(r, {1, 1, 2, 102, 2, 100, 2, 5, 0x0005});
+    mep(r, {2, 2, 3, 201, 1, 200, 4, 2, 0});
+    mep(r, {2, 2, 4, 202, 2, 200, 3, 7, 0x0002});
+    mep(r, {3, 3, 5, 301, 1, 7, 1, 4, 0});
+    r.fill(Table::BandwidthNotificationDataArray, 0, {0x01, 0x00, 0x00, 0x00, 0xe8, 0x03, 0x00, 0x00, 0x02});
+    r.fill(Table::BandwidthNotificationDataArray, 2, {0x01, 0x00, 0x00, 0x00, 0x10, 0x27, 0x00, 0x00, 0x01});
+    r.text(Table::MepAlarmTextArray, 1, {Table::MepAlarmTextArray, 0, 81}, "RDI received from MEP 12");
+    mip(r, 1, 1, 1, 1, 4);
+    mip(r, 2, 2, 2, 2, 6);
+    throughput(r, {1, 1, 1, 1}, 2, 2, 125, 4, 4);
+    throughput(r, {2, 2, 3, 2}, 1, 100, 10, 1, 1);
+    history(r, 0, 1, "1/1/1 test 1: 96.40 Mbit/s, frame loss 0.00 %");
+    history(r, 1, 2, "2/2/3 test 2: 9.87 Mbit/s, frame loss 1.25 %");
+    pm_session(r, 1, 1, 1, 1);
+    pm_session(r, 2, 2, 2, 3);
+    tarv::store_le(r.at(Table::PMAlarmBlock, 2), std::uint16_t{0x0010});
+    r.key(Table::Class581MoidArray, 0, 581, {1});
+    r.fill(Table::Class581DataArray, 0, {0xde, 0xad, 0xbe, 0xef});
+    r.key(Table::Class581MoidArray, 4095, 581, {4096});
+    r.fill(Table::Class581DataArray, 4095, {0x01}, 15);
+    r.key(Table::Class665MoidArray, 1, 665, {1, 1, 1}, 1);
+    r.fill(Table::Class665DataArray, 1, {0x07});
+    return r;
+}
+
+Region demo2() {
+    Region r = demo();
+    mep(r, {1, 1, 6, 106, 1, 100, 1, 5, 0});
+    for (Table t : {Table::MipMoidArray, Table::Class578MoidArray, Table::MipDataArray}) r.clear(t, 1);
+    return r;
+}
+
+// One fault of each kind, each named by the lines `check` prints for it.
+Region faults() {
+    Region r = demo();
+    // A record behind an empty key.
+    r.fill(Table::MepDataArray, 9, {0x00, 0x01});
+    // A key of another class; the MIP's MA 1/1 exists.
+    r.key(Table::MipMoidArray, 5, 532, {1, 1, 6});
+    // A MEP in the wrong slot, and an MA whose instance has no slot.
+    r.key(Table::MepMoidArray, 10, 532, {1, 1, 9});
+    r.key(Table::MaNetMoidArray, 100, 574, {1, 200});
+    // A duplicate key in the packed class 571.
+    r.key(Table::Class571MoidArray, 0, 571, {1, 1, 1});
+    r.key(Table::Class571MoidArray, 1, 571, {1, 1, 1});
+    // PM keys whose session id does not match the slot, and one in slot 0.
+    r.key(Table::PMSessionMoidArray, 4, 674, {1, 1, 1}, 6);
+    r.key(Table::PMSessionMoidArray, 0, 674, {1, 1, 2}, 0);
+    // A MEP whose MA is missing; a MEP whose MD is missing, in an MA whose
+    // MD is missing too and which has no MA component.
+    mep(r, {1, 9, 7, 107, 1, 100, 1, 3, 0});
+    ma(r, 9, 9, "Orphan-MA", 4);
+    mep(r, {9, 9, 8, 908, 1, 300, 4, 1, 0});
+    // A bandwidth notification and a throughput test without their MEP.
+    r.key(Table::BandwidthNotificationMoidArray, 11, 848, {1, 1, 12});
+    throughput(r, {2, 2, 9, 3}, 1, 1, 1, 1, 1);
+    return r;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: tarvctl_fixture DIRECTORY\n");
+        return 2;
+    }
+    const std::string dir = argv[1];
+    bool ok = Region().save(dir + "/empty.bin") && demo().save(dir + "/demo.bin") &&
+              demo2().save(dir + "/demo2.bin") && faults().save(dir + "/faults.bin");
+    std::FILE* f = std::fopen((dir + "/short.bin").c_str(), "wb");
+    const std::vector<std::uint8_t> short_file(1000);
+    ok = ok && f != nullptr && std::fwrite(short_file.data(), 1, short_file.size(), f) == short_file.size();
+    if (f != nullptr) ok = std::fclose(f) == 0 && ok;
+    if (!ok) std::perror("tarvctl_fixture");
+    return ok ? 0 : 1;
+}

@@ -1,0 +1,267 @@
+# JSON for scripts: every view at once, and an empty view.
+$ tarvctl --region demo.bin show --json
+{
+  "mds": [
+    {
+      "md": 1,
+      "name": "Customer",
+      "level": 5,
+      "mas": 1,
+      "meps": 2
+    },
+    {
+      "md": 2,
+      "name": "Provider",
+      "level": 3,
+      "mas": 1,
+      "meps": 2
+    },
+    {
+      "md": 3,
+      "name": "Operator",
+      "level": 7,
+      "mas": 1,
+      "meps": 1
+    }
+  ],
+  "mas": [
+    {
+      "md": 1,
+      "ma": 1,
+      "name": "CustomerVPN-100",
+      "ccmPeriod": 4,
+      "components": [
+        {
+          "component": 1,
+          "tagging": "C-VLAN",
+          "vid": 100
+        }
+      ],
+      "meps": 2,
+      "mips": 1
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "name": "Backbone-200",
+      "ccmPeriod": 2,
+      "components": [
+        {
+          "component": 2,
+          "tagging": "S-VLAN",
+          "vid": 200
+        }
+      ],
+      "meps": 2,
+      "mips": 1
+    },
+    {
+      "md": 3,
+      "ma": 3,
+      "name": "Metro-VFI-7",
+      "ccmPeriod": 4,
+      "components": [
+        {
+          "component": 3,
+          "tagging": "VFI",
+          "vid": 7
+        }
+      ],
+      "meps": 1,
+      "mips": 0
+    }
+  ],
+  "meps": [
+    {
+      "md": 1,
+      "ma": 1,
+      "mep": 1,
+      "mepId": 101,
+      "maName": "CustomerVPN-100",
+      "slot": 1,
+      "port": 3,
+      "lag": null,
+      "vid": 100,
+      "tagging": "C-VLAN",
+      "direction": "Down",
+      "mac": "02:54:41:52:57:03"
+    },
+    {
+      "md": 1,
+      "ma": 1,
+      "mep": 2,
+      "mepId": 102,
+      "maName": "CustomerVPN-100",
+      "slot": 2,
+      "port": 5,
+      "lag": 5,
+      "vid": 100,
+      "tagging": "C-VLAN",
+      "direction": "Up",
+      "mac": "02:54:41:52:56:06"
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "mep": 3,
+      "mepId": 201,
+      "maName": "Backbone-200",
+      "slot": 4,
+      "port": 2,
+      "lag": null,
+      "vid": 200,
+      "tagging": "S-VLAN",
+      "direction": "Down",
+      "mac": "02:54:41:52:5a:02"
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "mep": 4,
+      "mepId": 202,
+      "maName": "Backbone-200",
+      "slot": 3,
+      "port": 7,
+      "lag": null,
+      "vid": 200,
+      "tagging": "S-VLAN",
+      "direction": "Up",
+      "mac": "02:54:41:52:59:01"
+    },
+    {
+      "md": 3,
+      "ma": 3,
+      "mep": 5,
+      "mepId": 301,
+      "maName": "Metro-VFI-7",
+      "slot": 1,
+      "port": 4,
+      "lag": null,
+      "vid": 7,
+      "tagging": "VFI",
+      "direction": "Down",
+      "mac": "02:54:41:52:57:04"
+    }
+  ],
+  "mips": [
+    {
+      "md": 1,
+      "ma": 1,
+      "mip": 1,
+      "maName": "CustomerVPN-100",
+      "slot": 1,
+      "port": 4,
+      "lag": null,
+      "mac": "02:54:41:52:57:04"
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "mip": 2,
+      "maName": "Backbone-200",
+      "slot": 2,
+      "port": 6,
+      "lag": 6,
+      "mac": "02:54:41:52:56:07"
+    }
+  ],
+  "throughput": {
+    "tests": [
+      {
+        "md": 1,
+        "ma": 1,
+        "mep": 1,
+        "test": 1,
+        "mepId": 101,
+        "enabled": true,
+        "enableStatus": 2,
+        "operandA": 2,
+        "operandB": 125,
+        "operandC": 4,
+        "derived": 4
+      },
+      {
+        "md": 2,
+        "ma": 2,
+        "mep": 3,
+        "test": 2,
+        "mepId": 201,
+        "enabled": false,
+        "enableStatus": 1,
+        "operandA": 100,
+        "operandB": 10,
+        "operandC": 1,
+        "derived": 1
+      }
+    ],
+    "history": [
+      {
+        "id": 1,
+        "result": "1/1/1 test 1: 96.40 Mbit/s, frame loss 0.00 %"
+      },
+      {
+        "id": 2,
+        "result": "2/2/3 test 2: 9.87 Mbit/s, frame loss 1.25 %"
+      }
+    ]
+  },
+  "pm": [
+    {
+      "md": 1,
+      "ma": 1,
+      "mep": 1,
+      "session": 1,
+      "mepId": 101,
+      "maName": "CustomerVPN-100"
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "mep": 3,
+      "session": 2,
+      "mepId": 201,
+      "maName": "Backbone-200"
+    }
+  ],
+  "bwn": [
+    {
+      "md": 1,
+      "ma": 1,
+      "mep": 1,
+      "mepId": 101,
+      "record": "01000000e803000002000000000000000000"
+    },
+    {
+      "md": 1,
+      "ma": 1,
+      "mep": 2,
+      "mepId": 102,
+      "record": "000000000000000000000000000000000000"
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "mep": 3,
+      "mepId": 201,
+      "record": "010000001027000001000000000000000000"
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "mep": 4,
+      "mepId": 202,
+      "record": "000000000000000000000000000000000000"
+    },
+    {
+      "md": 3,
+      "ma": 3,
+      "mep": 5,
+      "mepId": 301,
+      "record": "000000000000000000000000000000000000"
+    }
+  ]
+}
+[exit 0]
+$ tarvctl --region empty.bin show pm --json
+[]
+[exit 0]

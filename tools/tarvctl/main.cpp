@@ -1,0 +1,85 @@
+// tarvctl: inspect and diagnose the switch's OAM regions from the command
+// line, through libtarv.so on the host platform.
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "commands.h"
+#include "region.h"
+#include "status.h"
+#include "style.h"
+
+namespace {
+
+constexpr char kFooter[] = R"(Exit status:
+  0  done; check found nothing
+  1  check found inconsistencies
+  2  usage error: unknown subcommand, option, class or value
+  3  no OAM data region in shared memory (create one with 'tarvctl init')
+  4  a file or region cannot be read, written or mapped, or has the wrong size
+
+Environment:
+  TARV_SHM_PREFIX  shared-memory prefix when --prefix is not given
+  NO_COLOR         no colour, even on a terminal
+
+Every subcommand has --help. See tarvctl(1).)";
+
+void error_line(const std::string& message) {
+    fmt::print(stderr, "{} {}\n", tarvctl::paint(stderr, tarvctl::Tone::Bad, "tarvctl:"), message);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    using namespace tarvctl;
+    Options options;
+    CLI::App app("Inspect and diagnose the OAM regions of the switch through libtarv.", "tarvctl");
+    app.fallthrough();  // the options below also after the subcommand
+    app.require_subcommand(0, 1);  // none is reported below, unknown words as such
+    app.set_version_flag("--version", "tarvctl " TARV_VERSION);
+    app.add_option("--prefix", options.prefix,
+                   "Shared-memory prefix of the regions (default: TARV_SHM_PREFIX, else none: the real regions)");
+    app.add_option("--region", options.region_file,
+                   "Read a saved region FILE instead of shared memory (read-only subcommands)")
+        ->type_name("FILE");
+    app.add_option("--color", options.color, "Colour: auto (on a terminal), always, never")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
+    app.footer(kFooter);
+
+    Commands commands;
+    add_init(app, options, commands);
+    add_show(app, options, commands);
+    add_check(app, options, commands);
+    add_get(app, options, commands);
+    add_snapshot(app, options, commands);
+    add_watch(app, options, commands);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& e) {
+        return app.exit(e);  // --help, --version
+    } catch (const CLI::ParseError& e) {
+        choose_colour(options.color);
+        error_line(e.what());
+        fmt::print(stderr, "Run 'tarvctl --help' for more information.\n");
+        return kExitUsage;
+    }
+    choose_colour(options.color);
+    try {
+        select_prefix(options);
+        const auto* run = commands.chosen();
+        if (run == nullptr) {
+            error_line("a subcommand is required: init, show, check, get, snapshot or watch");
+            fmt::print(stderr, "Run 'tarvctl --help' for more information.\n");
+            return kExitUsage;
+        }
+        return (*run)();
+    } catch (const Failure& f) {
+        std::fflush(stdout);
+        error_line(f.what());
+        return f.code();
+    } catch (const std::exception& e) {
+        std::fflush(stdout);
+        error_line(e.what());
+        return kExitIo;
+    }
+}

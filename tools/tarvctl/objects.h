@@ -1,0 +1,129 @@
+// The region's objects as the library hands them out: transfer lists of
+// Tarv__GetConfig, and the MEPs through Tarv__MEPMoidIterator and
+// Tarv__ReadMEP, decoded into plain values for the views.
+#ifndef TARVCTL_OBJECTS_H
+#define TARVCTL_OBJECTS_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "bytes.h"
+#include "classes.h"
+
+namespace tarvctl {
+
+// One class's transfer list, as Tarv__GetConfig writes it.
+class TransferList {
+public:
+    static TransferList read(const ClassDef& c);
+
+    [[nodiscard]] const ClassDef& def() const noexcept { return *def_; }
+    [[nodiscard]] std::size_t size() const noexcept { return count_; }
+    [[nodiscard]] Bytes key(std::size_t i) const noexcept {
+        return Bytes(buffer_).subspan(i * def_->transfer(), def_->key);
+    }
+    [[nodiscard]] Bytes record(std::size_t i) const noexcept {
+        return Bytes(buffer_).subspan(i * def_->transfer() + def_->key, def_->record);
+    }
+    // The list's bytes, records only.
+    [[nodiscard]] Bytes bytes() const noexcept { return Bytes(buffer_).first(count_ * def_->transfer()); }
+
+private:
+    const ClassDef* def_ = nullptr;
+    std::vector<std::uint8_t> buffer_;
+    std::size_t count_ = 0;
+};
+
+struct Md {
+    std::uint32_t md;
+    std::string name;
+    std::int64_t level;  // the stored level code minus 1
+};
+
+struct MaComp {
+    std::uint32_t md, ma, comp;
+    std::uint32_t tagging;
+    std::uint16_t vid;
+};
+
+struct Ma {
+    std::uint32_t md, ma;
+    std::string name;
+    std::uint32_t ccm_period;
+};
+
+struct Mep {
+    std::uint32_t md, ma, mep;
+    std::uint16_t id;
+    std::uint32_t direction;
+    std::uint16_t vid;
+    std::string mac;
+    std::uint8_t slot, port;
+};
+
+struct Mip {
+    std::uint32_t md, ma, mip;
+    std::string mac;
+    std::uint8_t slot, port;
+};
+
+struct Throughput {
+    std::uint32_t md, ma, mep, test;
+    std::uint32_t status;
+    std::uint32_t a;
+    std::uint16_t b, c, d;
+};
+
+struct HistoryRecord {
+    std::uint32_t id;
+    std::string result;
+};
+
+struct PmSession {
+    std::uint32_t md, ma, mep;
+    std::uint8_t session;
+};
+
+struct Bwn {
+    std::uint32_t md, ma, mep;
+    std::string data;  // the controller's 18 bytes, hex
+};
+
+// Everything the views show, read class by class.
+struct Configuration {
+    std::vector<Md> mds;
+    std::vector<Ma> mas;
+    std::vector<MaComp> comps;
+    std::vector<Mep> meps;
+    std::vector<Mip> mips;
+    std::vector<Throughput> throughput;
+    std::vector<HistoryRecord> history;
+    std::vector<PmSession> pm;
+    std::vector<Bwn> bwn;
+
+    static Configuration read();
+
+    [[nodiscard]] const Md* find_md(std::uint32_t md) const noexcept;
+    [[nodiscard]] const Ma* find_ma(std::uint32_t md, std::uint32_t ma) const noexcept;
+    [[nodiscard]] const Mep* find_mep(std::uint32_t md, std::uint32_t ma, std::uint32_t mep) const noexcept;
+    // The MA's components in slot order; the first is the one the library
+    // resolves a MEP's service by.
+    [[nodiscard]] std::vector<const MaComp*> comps_of(std::uint32_t md, std::uint32_t ma) const;
+};
+
+// Texts of the placement fields.
+[[nodiscard]] std::string port_text(std::uint8_t slot, std::uint8_t port);  // "1/3", "lag 5"
+[[nodiscard]] std::string tagging_text(std::uint32_t tagging);               // "C-VLAN", "S-VLAN", "VFI"
+[[nodiscard]] std::string direction_text(std::uint32_t direction);           // "Down", "Up"
+[[nodiscard]] std::string path_text(std::initializer_list<std::uint32_t> ids);  // "1/1/3"
+
+// Tagging of an MA component whose VID is a VFI.
+inline constexpr std::uint32_t kTaggingVfi = 5;
+
+// The LAG pseudo-slot: a point on slot 2 sits on the LAG numbered by its port.
+inline constexpr std::uint8_t kLagSlot = 2;
+
+}  // namespace tarvctl
+
+#endif

@@ -1,0 +1,103 @@
+#include "region.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#include "classes.h"
+#include "platform/pcor.h"
+#include "status.h"
+#include "tarv/tarv.h"
+#include "tarv_host.h"
+
+namespace tarvctl {
+namespace {
+
+constexpr char kPrefixRule[] = "at most 64 of A-Z a-z 0-9 . _ -";
+
+[[noreturn]] void io_failure(const std::string& message) { throw Failure(kExitIo, message); }
+
+// Checks that `path` is a readable file of exactly one region.
+void check_region_file(const std::string& path) {
+    struct stat st {};
+    if (stat(path.c_str(), &st) != 0) io_failure(fmt::format("cannot read '{}': {}", path, std::strerror(errno)));
+    if (!S_ISREG(st.st_mode)) io_failure(fmt::format("'{}' is not a regular file", path));
+    if (st.st_size != kDataRegionSize)
+        io_failure(fmt::format("'{}' has {} bytes, but a saved region has exactly {}", path,
+                               static_cast<long long>(st.st_size), kDataRegionSize));
+}
+
+}  // namespace
+
+void select_prefix(const Options& options) {
+    if (!options.prefix.empty()) {
+        if (TarvHost_SetShmPrefix(options.prefix.c_str()) != 0)
+            throw Failure(kExitUsage, fmt::format("invalid --prefix '{}': {}", options.prefix, kPrefixRule));
+        return;
+    }
+    if (const char* env = std::getenv("TARV_SHM_PREFIX"); env != nullptr && TarvHost_SetShmPrefix(env) != 0)
+        throw Failure(kExitUsage, fmt::format("invalid TARV_SHM_PREFIX '{}': {}", env, kPrefixRule));
+}
+
+void refuse_region_file(const Options& options, const char* command) {
+    if (!options.region_file.empty())
+        throw Failure(kExitUsage,
+                      fmt::format("--region: '{}' writes shared memory and cannot run on a region file", command));
+}
+
+std::string object_name(const char* name) {
+    char object[TARV_HOST_SHM_NAME_MAX + 1];
+    if (TarvHost_ShmObjectName(name, object, sizeof object) != 0) return name;
+    return object;
+}
+
+bool region_exists(const char* name) {
+    const int fd = shm_open(object_name(name).c_str(), O_RDONLY | O_CLOEXEC, 0);
+    if (fd < 0) return errno != ENOENT;
+    close(fd);
+    return true;
+}
+
+DataRegion DataRegion::attach(const Options& options) {
+    std::string where;
+    if (!options.region_file.empty()) {
+        check_region_file(options.region_file);
+        if (TarvHost_SetRegionFile(kDataRegion, options.region_file.c_str()) != 0)
+            io_failure(fmt::format("cannot use '{}' as a region file: the path is too long", options.region_file));
+        where = "file " + options.region_file;
+    } else {
+        where = object_name(kDataRegion);
+        if (!region_exists(kDataRegion))
+            throw Failure(kExitNoRegion,
+                          fmt::format("no OAM data region {}: create one with 'tarvctl init', or choose another "
+                                      "with --prefix, TARV_SHM_PREFIX or --region FILE",
+                                      where));
+    }
+    const auto* base =
+        static_cast<const std::uint8_t*>(Pcor__OpenShm(kDataRegion, kDataRegionSize, PCOR_SHM_READ_ONLY));
+    if (base == nullptr) io_failure(fmt::format("cannot map {}", where));
+    Tarv__Open();
+    return DataRegion(base, where);
+}
+
+std::vector<std::uint8_t> read_region_file(const std::string& path) {
+    check_region_file(path);
+    std::ifstream in(path, std::ios::binary);
+    std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (!in.eof() && in.fail()) io_failure(fmt::format("cannot read '{}'", path));
+    if (bytes.size() != kDataRegionSize)
+        io_failure(fmt::format("'{}' has {} bytes, but a saved region has exactly {}", path, bytes.size(),
+                               kDataRegionSize));
+    return bytes;
+}
+
+}  // namespace tarvctl

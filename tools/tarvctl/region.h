@@ -1,0 +1,65 @@
+// Where tarvctl finds the OAM regions: shared memory under the host
+// platform's prefix, or a saved region file (--region) that the host
+// platform maps privately, so that the library reads it as it reads shared
+// memory and nothing shared is touched.
+#ifndef TARVCTL_REGION_H
+#define TARVCTL_REGION_H
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "bytes.h"
+#include "classes.h"
+
+namespace tarvctl {
+
+// Options every subcommand shares.
+struct Options {
+    std::string prefix;       // --prefix; empty: TARV_SHM_PREFIX or none
+    std::string region_file;  // --region FILE; empty: shared memory
+    std::string color = "auto";
+};
+
+// Applies --prefix, or checks TARV_SHM_PREFIX: an invalid prefix is a usage
+// error here, where the host platform would fall back to the real region.
+void select_prefix(const Options& options);
+
+// Refuses --region for a subcommand that writes shared memory.
+void refuse_region_file(const Options& options, const char* command);
+
+// The shared-memory object name of a region name, with the prefix.
+[[nodiscard]] std::string object_name(const char* name);
+
+// True when the shared-memory object behind `name` exists.
+[[nodiscard]] bool region_exists(const char* name);
+
+// The data region attached for reading: the library through Tarv__Open, and
+// a read-only view of its bytes for what no library call reports. Throws
+// kExitNoRegion when the shared-memory region is missing and kExitIo when
+// the region file cannot be used.
+class DataRegion {
+public:
+    static DataRegion attach(const Options& options);
+
+    [[nodiscard]] Bytes bytes() const noexcept { return {base_, kDataRegionSize}; }
+    // A copy taken at once, for analyses that should see one moment.
+    [[nodiscard]] std::vector<std::uint8_t> copy() const { return {base_, base_ + kDataRegionSize}; }
+    // "/kelm-data" with its prefix, or "file snap.bin".
+    [[nodiscard]] const std::string& where() const noexcept { return where_; }
+
+private:
+    DataRegion(const std::uint8_t* base, std::string where) : base_(base), where_(std::move(where)) {}
+
+    const std::uint8_t* base_;
+    std::string where_;
+};
+
+// The bytes of a saved region file; throws kExitIo when it cannot be read or
+// is not exactly one region long.
+[[nodiscard]] std::vector<std::uint8_t> read_region_file(const std::string& path);
+
+}  // namespace tarvctl
+
+#endif

@@ -1,0 +1,31 @@
+// Exit statuses of tarvctl, part of its interface to scripts, and the one
+// error type the subcommands throw.
+#ifndef TARVCTL_STATUS_H
+#define TARVCTL_STATUS_H
+
+#include <stdexcept>
+#include <string>
+
+namespace tarvctl {
+
+enum Exit : int {
+    kExitOk = 0,        // done; `check` found nothing
+    kExitFindings = 1,  // `check` found inconsistencies
+    kExitUsage = 2,     // bad command line: unknown subcommand, option, class or value
+    kExitNoRegion = 3,  // the shared-memory region does not exist (tarvctl init creates it)
+    kExitIo = 4,        // a file or region cannot be read, written or mapped, or has the wrong size
+};
+
+// A failure that ends the command with `code` after printing `what()`.
+class Failure : public std::runtime_error {
+public:
+    Failure(int code, const std::string& message) : std::runtime_error(message), code_(code) {}
+    [[nodiscard]] int code() const noexcept { return code_; }
+
+private:
+    int code_;
+};
+
+}  // namespace tarvctl
+
+#endif

@@ -1,0 +1,129 @@
+// tarvctl watch: polls the region and prints what changed, class by class,
+// until interrupted (or for --count polls).
+#include <signal.h>
+#include <time.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "objects.h"
+#include "records.h"
+#include "show.h"
+#include "status.h"
+
+namespace tarvctl {
+namespace {
+
+volatile std::sig_atomic_t g_stop = 0;
+
+extern "C" void on_stop_signal(int) { g_stop = 1; }
+
+void catch_stop_signals() {
+    struct sigaction action {};
+    action.sa_handler = on_stop_signal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = 0;  // no SA_RESTART: the sleep ends at once
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
+
+// Sleeps `ms` milliseconds; false when a stop signal came first.
+bool sleep_ms(std::uint32_t ms) {
+    timespec left{static_cast<time_t>(ms / 1000), static_cast<long>(ms % 1000) * 1000000L};
+    while (!g_stop && nanosleep(&left, &left) != 0 && errno == EINTR) {
+    }
+    return !g_stop;
+}
+
+// The controller may rewrite a class while it is read: a list counts once
+// two reads in a row agree (or after a few tries, the last one).
+TransferList settled_read(const ClassDef& c) {
+    TransferList list = TransferList::read(c);
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        TransferList again = TransferList::read(c);
+        const Bytes a = list.bytes();
+        const Bytes b = again.bytes();
+        const bool same = a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin());
+        list = std::move(again);
+        if (same) break;
+    }
+    return list;
+}
+
+// The objects of one class by key, in list order.
+class ClassWatch {
+public:
+    explicit ClassWatch(const ClassDef& c) : def_(&c) { keys_ = read(); }
+
+    // Lines for the objects removed, then those added, since the last poll.
+    void poll(std::vector<std::string>& changes) {
+        std::vector<std::vector<std::uint8_t>> now = read();
+        for (const auto& k : keys_)
+            if (std::find(now.begin(), now.end(), k) == now.end()) changes.push_back("- " + label(*def_, k));
+        for (const auto& k : now)
+            if (std::find(keys_.begin(), keys_.end(), k) == keys_.end()) changes.push_back("+ " + label(*def_, k));
+        keys_ = std::move(now);
+    }
+
+private:
+    [[nodiscard]] std::vector<std::vector<std::uint8_t>> read() const {
+        const TransferList list = settled_read(*def_);
+        std::vector<std::vector<std::uint8_t>> keys;
+        for (std::size_t i = 0; i < list.size(); ++i) keys.emplace_back(list.key(i).begin(), list.key(i).end());
+        return keys;
+    }
+
+    const ClassDef* def_;
+    std::vector<std::vector<std::uint8_t>> keys_;
+};
+
+int watch(const Options& options, std::uint32_t interval_ms, std::uint32_t count) {
+    catch_stop_signals();
+    const DataRegion region = DataRegion::attach(options);
+    std::vector<std::function<void(std::vector<std::string>&)>> watches;
+    for (const ClassDef& c : classes()) {
+        if (c.rule != Rule::List && c.rule != Rule::History) continue;
+        auto w = std::make_shared<ClassWatch>(c);
+        watches.emplace_back([w](std::vector<std::string>& changes) { w->poll(changes); });
+    }
+    fmt::print("watching {} every {} ms: {}\n", region.where(), interval_ms, summary(Configuration::read()));
+    std::fflush(stdout);
+    for (std::uint32_t polls = 1; count == 0 || polls < count; ++polls) {
+        if (!sleep_ms(interval_ms)) break;
+        std::vector<std::string> changes;
+        for (const auto& w : watches) w(changes);
+        for (const std::string& line : changes) fmt::print("{}\n", line);
+        std::fflush(stdout);
+    }
+    return kExitOk;
+}
+
+}  // namespace
+
+void add_watch(CLI::App& app, const Options& options, Commands& commands) {
+    struct Args {
+        std::uint32_t interval = 1000;
+        std::uint32_t count = 0;
+    };
+    auto args = std::make_shared<Args>();
+    CLI::App* cmd = app.add_subcommand("watch", "Print what changes in the region, until interrupted");
+    cmd->footer(
+        "Poll the region and print each change as it is seen, class by class: \"+ MEP 1/1/4\" for an object "
+        "added, \"- MIP 1/1/2\" for one removed. A class counts once two reads in a row agree, so a class the "
+        "controller is rewriting is not reported half written. Runs until interrupted (SIGINT, SIGTERM; exit "
+        "status 0) or for --count polls.");
+    cmd->add_option("--interval", args->interval, "Milliseconds between polls (default 1000)")
+        ->check(CLI::Range(1u, 3600000u));
+    cmd->add_option("--count", args->count, "Stop after this many polls, the first included (default 0: never)");
+    commands.add(cmd, [&options, args] { return watch(options, args->interval, args->count); });
+}
+
+}  // namespace tarvctl
