@@ -11,6 +11,9 @@ namespace tarvctl {
 // "3 MDs, 3 MAs, 5 MEPs, 2 MIPs, 1 throughput test, 2 PM sessions, 5 bandwidth notifications".
 [[nodiscard]] std::string summary(const Configuration& c);
 
+// The MD/MA/MEP tree and the summary, as `show` prints it.
+void print_tree(const Configuration& c);
+
 }  // namespace tarvctl
 
 #endif
