@@ -30,10 +30,12 @@ private:
 };
 
 void add_init(CLI::App& app, const Options& options, Commands& commands);
+void add_demo(CLI::App& app, const Options& options, Commands& commands);
 void add_snapshot(CLI::App& app, const Options& options, Commands& commands);
 void add_show(CLI::App& app, const Options& options, Commands& commands);
 void add_check(CLI::App& app, const Options& options, Commands& commands);
 void add_get(CLI::App& app, const Options& options, Commands& commands);
+void add_set(CLI::App& app, const Options& options, Commands& commands);
 void add_watch(CLI::App& app, const Options& options, Commands& commands);
 
 }  // namespace tarvctl

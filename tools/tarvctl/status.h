@@ -14,6 +14,7 @@ enum Exit : int {
     kExitUsage = 2,     // bad command line: unknown subcommand, option, class or value
     kExitNoRegion = 3,  // the shared-memory region does not exist (tarvctl init creates it)
     kExitIo = 4,        // a file or region cannot be read, written or mapped, or has the wrong size
+    kExitRefused = 5,   // `demo` on a region that is not empty, without --force
 };
 
 // A failure that ends the command with `code` after printing `what()`.
