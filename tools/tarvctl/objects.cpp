@@ -54,7 +54,8 @@ Mep decode_mep(const TARV_MOID& moid, Bytes r) {
                static_cast<std::uint16_t>(value(r, wMepVid)),
                mac(bytes(r, abyMepMac)),
                static_cast<std::uint8_t>(value(r, byMepSlot)),
-               static_cast<std::uint8_t>(value(r, byMepPort))};
+               static_cast<std::uint8_t>(value(r, byMepPort)),
+               static_cast<std::uint16_t>(value(r, wAlarmBits))};
 }
 
 // The identifiers of a key in the region, whose bytes are little-endian
@@ -182,7 +183,7 @@ std::vector<const MaComp*> Configuration::comps_of(std::uint32_t md, std::uint32
     return found;
 }
 
-Alarms Alarms::read() {
+Alarms Alarms::read(const Configuration& c) {
     Alarms a;
     std::array<std::uint16_t, TARV_MEP_SLOTS> words{};
     Tarv__GetAlarms(words.data());
@@ -191,12 +192,11 @@ Alarms Alarms::read() {
         std::array<char, TARV_ALARM_TEXT_SIZE + 1> text{};
         Tarv__GetDetailsForAlarm(slot, &moid, text.data());
         if (words[slot] == 0 && text[0] == 0) continue;
-        const auto id = ids_of(&moid, 3);
         const bool named = !all_zero(Bytes(reinterpret_cast<const std::uint8_t*>(&moid), sizeof moid));
-        std::array<std::uint8_t, TARV_MEP_RECORD_SIZE> record{};
-        if (named && words[slot] != 0) Tarv__ReadMEP(moid, record.data());
-        const auto stored = static_cast<std::uint16_t>(value(record, field::wAlarmBits));
-        a.meps.push_back(MepAlarm{slot, named, id[0], id[1], id[2], words[slot], words[slot] != 0 ? stored : std::uint16_t{0},
+        const auto id = ids_of(&moid, 3);
+        const Mep* mep = named ? c.find_mep(id[0], id[1], id[2]) : nullptr;
+        a.meps.push_back(MepAlarm{slot, named, id[0], id[1], id[2], words[slot],
+                                  mep != nullptr && words[slot] != 0 ? mep->alarm_bits : words[slot],
                                   display_text(Bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()))});
     }
     std::array<std::uint8_t, TARV_PM_ALARM_BLOCK_SIZE> block{};

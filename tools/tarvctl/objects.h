@@ -60,6 +60,7 @@ struct Mep {
     std::uint16_t vid;
     std::string mac;
     std::uint8_t slot, port;
+    std::uint16_t alarm_bits;  // as stored, before Tarv__GetAlarms masks bit 2
 };
 
 struct Mip {
@@ -122,7 +123,7 @@ struct MepAlarm {
     bool named;  // a current or old MOID names the MEP
     std::uint32_t md, ma, mep;
     std::uint16_t word;
-    std::uint16_t stored;  // wAlarmBits of the MEP's record (the word before masking)
+    std::uint16_t stored;  // the MEP's wAlarmBits when it has a word, before bit 2 is masked
     std::string text;
 };
 
@@ -142,7 +143,7 @@ struct Alarms {
     std::vector<PmAlarm> pm;     // slots with a PM alarm key or a word
     std::vector<std::uint8_t> hw;  // the MEP hardware alarm block
 
-    static Alarms read();
+    static Alarms read(const Configuration& c);
 };
 
 // The numbers of the bits set in an alarm word, lowest first.

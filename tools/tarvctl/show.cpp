@@ -269,8 +269,8 @@ Json bits_json(std::uint16_t word) { return Json(bits_of(word)); }
 
 std::string word_text(std::uint16_t word) { return fmt::format("{:#06x}", word); }
 
-void alarms_text(const Configuration&) {
-    const Alarms a = Alarms::read();
+void alarms_text(const Configuration& c) {
+    const Alarms a = Alarms::read(c);
     Table meps({"MEP", "SLOT", "ALARMS", "BITS", "TEXT"});
     for (const MepAlarm& m : a.meps) {
         std::string word = word_text(m.word);
@@ -289,8 +289,8 @@ void alarms_text(const Configuration&) {
                all_zero(a.hw) ? fmt::format("{} zero bytes", a.hw.size()) : hex(a.hw));
 }
 
-Json alarms_json(const Configuration&) {
-    const Alarms a = Alarms::read();
+Json alarms_json(const Configuration& c) {
+    const Alarms a = Alarms::read(c);
     Json meps = Json::array();
     for (const MepAlarm& m : a.meps)
         meps.push_back({{"slot", m.slot},
