@@ -220,7 +220,7 @@ Alarms Alarms::read(const Configuration& c) {
 std::vector<unsigned> bits_of(std::uint16_t word) {
     std::vector<unsigned> bits;
     for (unsigned bit = 0; bit < 16; ++bit)
-        if ((word >> bit & 1u) != 0) bits.push_back(bit);
+        if (((word >> bit) & 1) != 0) bits.push_back(bit);
     return bits;
 }
 

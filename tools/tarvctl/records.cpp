@@ -85,6 +85,7 @@ void put_text(MutableBytes record, const FieldDef& f, std::string_view text) noe
 
 std::vector<std::uint8_t> make_key(const ClassDef& c, std::initializer_list<std::uint32_t> ids, std::uint8_t session) {
     std::vector<std::uint8_t> key(c.key);
+    if (key.empty()) return key;  // singletons have none
     std::size_t at = 0;
     if (c.rule != Rule::History) {
         store_le16(key.data(), static_cast<std::uint16_t>(c.id));
@@ -161,7 +162,8 @@ namespace {
 // An unsigned JSON number that fits `bits` bits.
 std::uint32_t number(const Json& j, std::string_view name, unsigned bits) {
     const std::uint64_t max = bits >= 32 ? std::numeric_limits<std::uint32_t>::max() : (std::uint64_t{1} << bits) - 1;
-    if (!j.is_number_unsigned() || j.get<std::uint64_t>() > max)
+    const bool whole = j.is_number_unsigned() || (j.is_number_integer() && j.get<std::int64_t>() >= 0);
+    if (!whole || j.get<std::uint64_t>() > max)
         bad(fmt::format("\"{}\" must be a whole number from 0 to {}, not {}", name, max, j.dump()));
     return static_cast<std::uint32_t>(j.get<std::uint64_t>());
 }

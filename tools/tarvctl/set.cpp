@@ -8,27 +8,16 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
-#include <sstream>
 
 #include "commands.h"
 #include "objects.h"
 #include "records.h"
 #include "status.h"
 #include "tarv/tarv.h"
+#include "transfer.h"
 
 namespace tarvctl {
 namespace {
-
-struct Entry {
-    std::string where;  // "line 3", "record 2", for messages
-    std::vector<std::uint8_t> key;
-    std::vector<std::uint8_t> record;
-};
-
-[[noreturn]] void bad_input(const std::string& path, const std::string& where, const std::string& what) {
-    throw Failure(kExitUsage, where.empty() ? fmt::format("'{}': {}", path, what)
-                                            : fmt::format("'{}' {}: {}", path, where, what));
-}
 
 std::string read_input(const std::string& path) {
     if (path == "-") return {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
@@ -39,97 +28,6 @@ std::string read_input(const std::string& path) {
     return text;
 }
 
-// One line per object as `get --hex` prints it; blank lines are skipped.
-std::vector<Entry> parse_hex_lines(const ClassDef& c, const std::string& text, const std::string& path) {
-    std::vector<Entry> entries;
-    std::istringstream lines(text);
-    std::string line;
-    for (int number = 1; std::getline(lines, line); ++number) {
-        std::istringstream words(line);
-        std::vector<std::string> parts{std::istream_iterator<std::string>(words), std::istream_iterator<std::string>()};
-        if (parts.empty()) continue;
-        const std::string where = fmt::format("line {}", number);
-        if (c.rule == Rule::NoStorage) {  // refused below, whatever the line holds
-            entries.push_back(Entry{where, {}, {}});
-            continue;
-        }
-        const std::size_t expected = c.key > 0 ? 2 : 1;
-        if (parts.size() != expected)
-            bad_input(path, where,
-                      c.key > 0 ? "expected the key's hex digits, a blank, the record's hex digits"
-                                : "expected the record's hex digits alone");
-        Entry e{where, {}, {}};
-        auto bytes_of = [&](const std::string& digits, std::uint32_t size, const char* what) {
-            auto raw = parse_hex(digits);
-            if (!raw) bad_input(path, where, fmt::format("the {} is not an even number of hex digits", what));
-            if (raw->size() != size)
-                bad_input(path, where, fmt::format("the {} has {} bytes, class {} needs {}", what, raw->size(), c.id, size));
-            return std::move(*raw);
-        };
-        if (c.key > 0) e.key = bytes_of(parts[0], c.key, "key");
-        e.record = bytes_of(parts.back(), c.record, "record");
-        entries.push_back(std::move(e));
-    }
-    return entries;
-}
-
-// {"class": N, "records": [{"key": {...}, "record": {...}}, ...]} as `get
-// --json` prints it.
-std::vector<Entry> parse_json(const ClassDef& c, const std::string& text, const std::string& path) {
-    Json doc;
-    try {
-        doc = Json::parse(text);
-    } catch (const Json::parse_error& e) {
-        std::string what = e.what();
-        what.erase(0, what.find("] ") == std::string::npos ? 0 : what.find("] ") + 2);
-        throw Failure(kExitUsage, fmt::format("'{}' is not valid JSON: {}", path, what));
-    }
-    if (!doc.is_object() || !doc.contains("records") || !doc.at("records").is_array())
-        bad_input(path, "", "expected an object with a \"records\" array");
-    if (doc.contains("class") && doc.at("class") != c.id)
-        bad_input(path, "", fmt::format("holds class {}, not {}", doc.at("class").dump(), c.id));
-    std::vector<Entry> entries;
-    int number = 0;
-    for (const Json& r : doc.at("records")) {
-        const std::string where = fmt::format("record {}", ++number);
-        try {
-            if (!r.is_object() || !r.contains("record")) throw Failure(kExitUsage, "expected {\"key\": ..., \"record\": ...}");
-            if (c.key > 0 && !r.contains("key")) throw Failure(kExitUsage, "the record has no \"key\"");
-            Entry e{where, c.key > 0 ? key_from_json(c, r.at("key")) : std::vector<std::uint8_t>{},
-                    record_from_json(c, r.at("record"))};
-            entries.push_back(std::move(e));
-        } catch (const Failure& f) {
-            bad_input(path, where, f.what());
-        }
-    }
-    return entries;
-}
-
-// The transfer list Tarv__SetConfig takes: the records back to back, then
-// the terminator. Refuses what the library would pass over without a word:
-// an all-zero key inside the list (it would end the list there) and records
-// past the last slot of the packed classes.
-std::vector<std::uint8_t> transfer_list(const ClassDef& c, const std::vector<Entry>& entries,
-                                        const std::string& path) {
-    if (c.rule == Rule::NoStorage && !entries.empty())
-        bad_input(path, entries.front().where, fmt::format("class {} stores nothing", c.id));
-    if (c.rule == Rule::Singleton && entries.size() != 1)
-        throw Failure(kExitUsage,
-                      fmt::format("'{}' holds {} records; class {} takes exactly one", path, entries.size(), c.id));
-    if (c.placement == Placement::Packed && entries.size() > c.slots)
-        bad_input(path, entries[c.slots].where, fmt::format("class {} holds at most {} records", c.id, c.slots));
-    std::vector<std::uint8_t> list;
-    for (const Entry& e : entries) {
-        if (c.key > 0 && all_zero(e.key))
-            bad_input(path, e.where, "an all-zero key would end the list here");
-        list.insert(list.end(), e.key.begin(), e.key.end());
-        list.insert(list.end(), e.record.begin(), e.record.end());
-    }
-    if (c.rule == Rule::List || (c.rule == Rule::History && entries.size() < c.slots)) list.resize(list.size() + c.key);
-    if (list.empty()) list.push_back(0);  // class 580: a valid pointer, never read
-    return list;
-}
-
 std::string class_text(const ClassDef& c) {
     return c.name.empty() ? fmt::format("class {}", c.id) : fmt::format("{} ({})", c.name, c.id);
 }
@@ -137,10 +35,7 @@ std::string class_text(const ClassDef& c) {
 int set(const Options& options, const ClassDef& c, const std::string& path) {
     refuse_region_file(options, "set");
     const std::string text = read_input(path);
-    const std::size_t first = text.find_first_not_of(" \t\r\n");
-    const std::vector<Entry> entries = first != std::string::npos && (text[first] == '{' || text[first] == '[')
-                                           ? parse_json(c, text, path)
-                                           : parse_hex_lines(c, text, path);
+    const std::vector<TransferEntry> entries = parse_transfer(c, text, path);
     const std::vector<std::uint8_t> list = transfer_list(c, entries, path);
     require_region(kDataRegion);
     Tarv__StorOpen();
@@ -149,7 +44,7 @@ int set(const Options& options, const ClassDef& c, const std::string& path) {
         throw Failure(kExitIo, fmt::format("cannot attach {} for writing", object_name(kDataRegion)));
     if (result == TARV_SET_CONFIG_REFUSED)
         throw Failure(kExitUsage, fmt::format("'{}': the library refused the list, the region is unchanged: a record "
-                                              "addresses no slot of {} (the trace above names it)",
+                                              "addresses no slot of {} (its error trace names it)",
                                               path, class_text(c)));
     fmt::print("{}: {} record{} written to {}\n", class_text(c), entries.size(), entries.size() == 1 ? "" : "s",
                object_name(kDataRegion));

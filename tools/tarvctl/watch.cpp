@@ -5,7 +5,6 @@
 #include <time.h>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -89,12 +88,6 @@ private:
     std::vector<std::vector<std::uint8_t>> keys_;
 };
 
-// "bit 1", "bits 0, 2".
-std::string bits_phrase(std::uint16_t word) {
-    const auto bits = bits_of(word);
-    return fmt::format("{} {}", bits.size() == 1 ? "bit" : "bits", fmt::join(bits, ", "));
-}
-
 // The alarm words of the MEP slots (Tarv__GetAlarms) and of the PM slots
 // (Tarv__GetPMAlarms), each slot named by the MOID or key the library gives
 // for it.
@@ -107,8 +100,10 @@ public:
         Words meps{};
         Words pm{};
         read(meps, pm);
-        for (std::uint32_t slot = 0; slot < TARV_MEP_SLOTS; ++slot) report(mep_name(slot), meps_[slot], meps[slot], changes);
-        for (std::uint32_t slot = 0; slot < TARV_PM_SLOTS; ++slot) report(pm_name(slot), pm_[slot], pm[slot], changes);
+        for (std::uint32_t slot = 0; slot < TARV_MEP_SLOTS; ++slot)
+            if (meps[slot] != meps_[slot]) report(mep_name(slot), meps_[slot], meps[slot], changes);
+        for (std::uint32_t slot = 0; slot < TARV_PM_SLOTS; ++slot)
+            if (pm[slot] != pm_[slot]) report(pm_name(slot), pm_[slot], pm[slot], changes);
         meps_ = meps;
         pm_ = pm;
     }
@@ -125,10 +120,7 @@ private:
 
     static void report(const std::string& name, std::uint16_t before, std::uint16_t now,
                        std::vector<std::string>& changes) {
-        const auto raised = static_cast<std::uint16_t>(now & ~before);
-        const auto cleared = static_cast<std::uint16_t>(before & ~now);
-        if (raised != 0) changes.push_back(fmt::format("* {}: alarm {} raised", name, bits_phrase(raised)));
-        if (cleared != 0) changes.push_back(fmt::format("* {}: alarm {} cleared", name, bits_phrase(cleared)));
+        for (std::string& line : alarm_changes(name, before, now)) changes.push_back(std::move(line));
     }
 
     static std::string mep_name(std::uint32_t slot) {

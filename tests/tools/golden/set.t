@@ -41,42 +41,19 @@ $ : >none.hex; tarvctl set mip none.hex && tarvctl show mips
 mip (575): 0 records written to /T-kelm-data
 no MIPs
 [exit 0]
-# Bad input is refused with status 2 and the region unchanged.
+# Bad input is refused with status 2 and the region unchanged: a malformed
+# line or record (every rule is in the unit tests), an instance that the
+# library finds no slot for.
 $ tarvctl snapshot load demo.bin >/dev/null
 [exit 0]
-$ for line in '0102' 'zz 00' '1302010000 00' '130201000000 0000' '000000000000 0000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000'; do printf '%s\n' "$line" >bad.hex; tarvctl set md bad.hex 2>&1; done
-tarvctl: 'bad.hex' line 1: expected the key's hex digits, a blank, the record's hex digits
-tarvctl: 'bad.hex' line 1: the key is not an even number of hex digits
-tarvctl: 'bad.hex' line 1: the key has 5 bytes, class 531 needs 6
-tarvctl: 'bad.hex' line 1: the record has 2 bytes, class 531 needs 65
-tarvctl: 'bad.hex' line 1: an all-zero key would end the list here
-[exit 2]
-$ tarvctl get md | sed 's/^130201000000/1302c8000000/' >far.hex; tarvctl set md far.hex
-! tarv L1 Tarv__SetConfig code=3 data/swch/api-tarv:98: Class 531 record 1: instance 200 addresses no slot of 1..128
-! tarvctl: 'far.hex': the library refused the list, the region is unchanged: a record addresses no slot of md (531) (the trace above names it)
-[exit 2]
-$ tarvctl get md --json >md.json; for edit in 's/"eMdLevel"/"eMdLevl"/' 's/"opaque52"/"opaque51"/' 's/"opaque52": "00/"opaque52": "/' 's/"wClass": 531,//' 's/"Customer"/"Kunde\\u0100"/' 's/"eMdLevel": 6/"eMdLevel": 4294967296/' 's/"class": 531/"class": 574/' 's/"lId1": 1$/"lId1": -1/' 's/^{/[/'; do sed "$edit" md.json >bad.json; tarvctl set md bad.json 2>&1; done
-tarvctl: 'bad.json' record 1: unknown record member "eMdLevl" for class 531
-tarvctl: 'bad.json' record 1: "opaque51" gives byte 51 a second time
-tarvctl: 'bad.json' record 1: the record does not give byte 64 (of 65)
-tarvctl: 'bad.json' record 1: the key lacks "wClass"
-tarvctl: 'bad.json' record 1: "acMdName" holds a character above U+00FF
-tarvctl: 'bad.json' record 1: "eMdLevel" must be a whole number from 0 to 4294967295, not 4294967296
-tarvctl: 'bad.json': holds class 574, not 531
-tarvctl: 'bad.json' record 1: "lId1" must be a whole number from 0 to 4294967295, not -1
-tarvctl: 'bad.json' is not valid JSON: parse error at line 2, column 10: syntax error while parsing array - unexpected ':'; expected ']'
+$ printf '\n1302010000 00\n' >bad.hex; tarvctl set md bad.hex
+! tarvctl: 'bad.hex' line 2: the key has 5 bytes, class 531 needs 6
 [exit 2]
 $ tarvctl get mep --json | sed 's/"02:54:41:52:57:03"/"02-54-41-52-57-03"/' | tarvctl set mep -
 ! tarvctl: '-' record 1: "abyMacAddress" must be six hex bytes such as 02:54:41:52:57:03
 [exit 2]
-$ tarvctl get 519 >two.hex; tarvctl get 519 >>two.hex; tarvctl set 519 two.hex
-! tarvctl: 'two.hex' holds 2 records; class 519 takes exactly one
-[exit 2]
-$ echo 00 >one.hex; tarvctl set 580 one.hex
-! tarvctl: 'one.hex' line 1: class 580 stores nothing
-[exit 2]
-$ for i in $(seq 1 33); do printf '3b02%08x0000000000000000 0000000000000000\n' $((i << 24)); done >many.hex; tarvctl set 571 many.hex
-! tarvctl: 'many.hex' line 33: class 571 holds at most 32 records
+$ tarvctl get md | sed 's/^130201000000/1302c8000000/' >far.hex; TARV_TRACE_LEVEL=0 tarvctl set md far.hex
+! tarvctl: 'far.hex': the library refused the list, the region is unchanged: a record addresses no slot of md (531) (its error trace names it)
 [exit 2]
 $ tarvctl snapshot save after.bin >/dev/null; cmp after.bin demo.bin && echo unchanged
 unchanged
