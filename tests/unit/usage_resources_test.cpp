@@ -27,11 +27,12 @@ void PrintTo(const LagCase& c, std::ostream* os) { *os << "LAG " << c.lag; }
 class LagOpt : public UsageTest, public ::testing::WithParamInterface<LagCase> {};
 
 TEST_P(LagOpt, FirstPointGivesThePeriod) {
-    manet(0, 1, 1, 2);
-    manet(1, 1, 2, 1);
+    // MaNets: 1/1 and 1/2; one with every byte of its ids set; 1/5 twice, at slot 3 and at its hint slot 4.
+    manet(0, 1, 1, 2), manet(1, 1, 2, 1), manet(2, 0x0A0B0C0D, 0x01020304, 2), manet(3, 1, 5, 1), manet(4, 1, 5, 2);
     // MEPs on LAG 5; on LAG 7 without MaNet; of class 0 on LAG 8; on LAG 9 before a MIP of another MA; on
-    // physical slot 5 port 10. MIPs on LAG 6 and 9.
-    meps({{532, 1, 1, 1, 2, 5}, {532, 1, 7, 2, 2, 7}, {0, 1, 1, 3, 2, 8}, {532, 1, 2, 4, 2, 9}, {532, 1, 1, 5, 5, 10}});
+    // physical slot 5 port 10; on LAGs 11 and 12. MIPs on LAG 6 and 9.
+    meps({{532, 1, 1, 1, 2, 5}, {532, 1, 7, 2, 2, 7}, {0, 1, 1, 3, 2, 8}, {532, 1, 2, 4, 2, 9}, {532, 1, 1, 5, 5, 10},
+          {532, 0x0A0B0C0D, 0x01020304, 6, 2, 11}, {532, 1, 5, 7, 2, 12}});
     mips({{575, 1, 2, 1, 2, 6}, {575, 1, 1, 2, 2, 9}});
     const LagCase& c = GetParam();
     std::uint32_t period = 0xDEADBEEF;
@@ -50,6 +51,8 @@ const std::vector<LagCase> kLagCases = {
     {7, 1, 0, {kNoMaNet + "7", lag("OAM is enabled on Lag, CCM Period = 0\n")}},
     {8, 0, 0xDEADBEEF, {lag("OAM is NOT enabled on Lag 8\n")}},
     {10, 0, 0xDEADBEEF, {lag("OAM is NOT enabled on Lag 10\n")}},
+    {11, 1, 2, {lag("OAM is enabled on Lag, CCM Period = 2\n")}},
+    {12, 1, 2, {lag("OAM is enabled on Lag, CCM Period = 2\n")}},
 };
 INSTANTIATE_TEST_SUITE_P(Usage, LagOpt, ::testing::ValuesIn(kLagCases));
 
@@ -91,7 +94,7 @@ struct ScriptedMeps {
         step = prev == nullptr ? 0 : step + 1;
         return step < slots.size() ? entry(region, Table::MepMoidArray, slots[step]) : nullptr;
     }
-    bool read(const std::uint8_t* moid, std::uint8_t* record) const {
+    bool read(const MoidValue& moid, std::uint8_t* record) const {
         std::uint8_t* id = entry(region, Table::MepMoidArray, slots[step]) + moid::kId3Offset;
         if (vanish && step + 1 == slots.size()) store_le<std::uint32_t>(id, load_le<std::uint32_t>(id) + 1);
         return resources::RegionMeps{region}.read(moid, record);

@@ -15,7 +15,7 @@ extern "C" TARV_API void Tarv__ReadMEP(TARV_MOID Moid, void* pMep) {
     const std::uint8_t* region = attached_region("Tarv__ReadMEP");
     if (region == nullptr) return;
     const MoidBytes key(Moid);
-    (void)read_mep(region, key.b, pMep);
+    (void)read_mep(region, MoidValue::of(key.b), pMep);
 }
 
 extern "C" TARV_API int32_t Tarv__GetMepIndexFromOldMoid(TARV_MOID OldMoid, uint16_t* pMepIndex) {
@@ -49,5 +49,5 @@ extern "C" TARV_API void Tarv__ReadMANet(TARV_MANET_KEY MaNetKey, void* pMaNet) 
     const std::uint8_t* region = attached_region("Tarv__ReadMANet");
     if (region == nullptr) return;
     const KeyBytes<TARV_MANET_KEY> key(MaNetKey);
-    (void)read_manet(region, key.b, pMaNet);
+    (void)read_manet(region, MaNetKeyValue::of(key.b), pMaNet);
 }

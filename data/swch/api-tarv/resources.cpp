@@ -9,15 +9,12 @@
 
 namespace tarv::resources {
 
-std::uint32_t ccm_period(const std::uint8_t* region, const std::uint8_t* moid) noexcept {
-    std::uint8_t key[TARV_MANET_KEY_SIZE];
-    store_le<std::uint16_t>(key + moid::kClassOffset, TARV_CLASS_MANET);
-    std::memcpy(key + points::kMaOffset, moid + points::kMaOffset, points::kMaSize);
+std::uint32_t ccm_period(const std::uint8_t* region, const MoidValue& moid) noexcept {
     std::uint8_t record[TARV_MANET_RECORD_SIZE];
-    return read_manet(region, key, record) ? get(record, manet::dwCcmPeriod) : 0;
+    return read_manet(region, manet_key_of(moid), record) ? get(record, manet::dwCcmPeriod) : 0;
 }
 
-std::uint16_t lag_units(const std::uint8_t* region, std::uint32_t slot, const std::uint8_t* moid,
+std::uint16_t lag_units(const std::uint8_t* region, std::uint32_t slot, const MoidValue& moid,
                         const std::uint8_t* record) noexcept {
     // The MaNet is read before the members are asked for.
     const std::uint16_t w = weight(ccm_period(region, moid));
@@ -48,7 +45,7 @@ extern "C" TARV_API uint32_t Tarv__IsOamEnabledOnLagOpt(int32_t lagId, uint32_t*
         TARV_DEBUG(trace::kOutcome, kFunction, "OAM is NOT enabled on Lag %d\n", lagId);
         return 0;
     }
-    const std::uint32_t period = resources::ccm_period(region, entry(region, hit.kind->keys, hit.slot));
+    const std::uint32_t period = resources::ccm_period(region, MoidValue::of(entry(region, hit.kind->keys, hit.slot)));
     *pCcmPeriod = period;
     TARV_DEBUG(trace::kOutcome, kFunction, "OAM is enabled on Lag, CCM Period = %d\n", static_cast<int>(period));
     return 1;

@@ -30,11 +30,11 @@ static_assert(kLagMembers == 9);
 
 // The CCM period of the MA of the point with MOID `moid`, read from its
 // MaNet; 0 when the MaNet cannot be found (after the read's error trace).
-[[nodiscard]] std::uint32_t ccm_period(const std::uint8_t* region, const std::uint8_t* moid) noexcept;
+[[nodiscard]] std::uint32_t ccm_period(const std::uint8_t* region, const MoidValue& moid) noexcept;
 
 // Units that the LAG MEP with MOID `moid` and record `record` puts on `slot`:
 // its weight once for every member of the LAG on that slot.
-[[nodiscard]] std::uint16_t lag_units(const std::uint8_t* region, std::uint32_t slot, const std::uint8_t* moid,
+[[nodiscard]] std::uint16_t lag_units(const std::uint8_t* region, std::uint32_t slot, const MoidValue& moid,
                                       const std::uint8_t* record) noexcept;
 
 // The MEPs of the region as the slot check walks them: the iterator step
@@ -44,7 +44,7 @@ struct RegionMeps {
     [[nodiscard]] const std::uint8_t* next(const std::uint8_t* prev) const noexcept {
         return next_mep(region, prev);
     }
-    [[nodiscard]] bool read(const std::uint8_t* moid, std::uint8_t* record) const noexcept {
+    [[nodiscard]] bool read(const MoidValue& moid, std::uint8_t* record) const noexcept {
         return read_mep(region, moid, record);
     }
 };
@@ -58,8 +58,7 @@ template <typename Meps>
                                           const Meps& meps) noexcept {
     std::uint16_t units = 0;
     for (const std::uint8_t* p = meps.next(nullptr); p != nullptr; p = meps.next(p)) {
-        std::uint8_t moid[points::kMoidSize];
-        std::memcpy(moid, p, sizeof moid);
+        const MoidValue moid = MoidValue::of(p);
         std::uint8_t record[TARV_MEP_RECORD_SIZE];
         if (!meps.read(moid, record)) continue;
         const std::uint8_t on = get(record, mep::bySlot);
