@@ -79,18 +79,22 @@ enum class Ports : std::uint8_t { AsGiven, Substituted };
     return false;
 }
 
+// Whether the point with record `record` sits at `at`.
+[[nodiscard]] inline bool sits(const Kind& kind, const std::uint8_t* record, Place at) noexcept {
+    return get(record, kind.bySlot) == at.slot && get(record, kind.byPort) == at.port;
+}
+
 // The first slot of `kind` from `from` on whose point is live by `rule`, sits
 // at `at` and passes match(key, record); kNotFound when none does. `match`
-// runs only for points that pass every other test.
+// runs only for points that pass every other test. Inlined into each query,
+// where the kind and the rule are constants.
 template <typename Match>
-[[nodiscard]] inline std::uint32_t find_point(const std::uint8_t* region, const Kind& kind, Live rule, Place at,
+[[nodiscard, gnu::always_inline]] inline std::uint32_t find_point(const std::uint8_t* region, const Kind& kind, Live rule, Place at,
                                               std::uint32_t from, Match&& match) noexcept {
     for (std::uint32_t i = from; i < info(kind.keys).slots; ++i) {
         const std::uint8_t* key = entry(region, kind.keys, i);
         const std::uint8_t* record = entry(region, kind.data, i);
-        if (!live(rule, kind, key, record)) continue;
-        if (get(record, kind.bySlot) != at.slot || get(record, kind.byPort) != at.port) continue;
-        if (match(key, record)) return i;
+        if (live(rule, kind, key, record) && sits(kind, record, at) && match(key, record)) return i;
     }
     return kNotFound;
 }
@@ -102,12 +106,11 @@ struct PointHit {
 };
 
 // The first point at `at`, live by `rule`: MEPs before MIPs.
-[[nodiscard]] inline PointHit first_point(const std::uint8_t* region, Live rule, Place at) noexcept {
+[[nodiscard, gnu::always_inline]] inline PointHit first_point(const std::uint8_t* region, Live rule,
+                                                              Place at) noexcept {
     const auto any = [](const std::uint8_t*, const std::uint8_t*) { return true; };
-    for (const Kind* kind : {&kMep, &kMip}) {
-        const std::uint32_t slot = find_point(region, *kind, rule, at, 0, any);
-        if (slot != kNotFound) return {kind, slot};
-    }
+    if (const std::uint32_t slot = find_point(region, kMep, rule, at, 0, any); slot != kNotFound) return {&kMep, slot};
+    if (const std::uint32_t slot = find_point(region, kMip, rule, at, 0, any); slot != kNotFound) return {&kMip, slot};
     return {nullptr, kNotFound};
 }
 
@@ -119,7 +122,7 @@ enum class Empty : std::uint8_t { Skip, Examine };
 // `point` (any MA when `point` is null) for which match(record) holds;
 // kNotFound when none does.
 template <typename Match>
-[[nodiscard]] inline std::uint32_t find_component(const std::uint8_t* region, const std::uint8_t* point, Empty empty,
+[[nodiscard, gnu::always_inline]] inline std::uint32_t find_component(const std::uint8_t* region, const std::uint8_t* point, Empty empty,
                                                   Match&& match) noexcept {
     for (std::uint32_t j = 0; j < info(Table::MACompMoidArray).slots; ++j) {
         const std::uint8_t* key = entry(region, Table::MACompMoidArray, j);

@@ -44,6 +44,10 @@ bool endpoint_tagged(const std::uint8_t* region, const std::uint8_t* moid, std::
 
 namespace {
 
+// The scans below run with a table row as argument; each exported function
+// gets its own copy, in which the row's constants fold into plain loops.
+#define TARV_SCAN [[gnu::always_inline]] inline
+
 // ---------------------------------------------------------------------------
 // Outcome traces
 // ---------------------------------------------------------------------------
@@ -95,7 +99,7 @@ consteval bool valid(const PresenceQuery& q) {
 }
 static_assert(valid(kOnPort) && valid(kOnPortOpt) && valid(kMPOnPort));
 
-std::uint32_t presence(const PresenceQuery& q, std::int32_t slot, std::int32_t port) noexcept {
+TARV_SCAN std::uint32_t presence(const PresenceQuery& q, std::int32_t slot, std::int32_t port) noexcept {
     const std::uint8_t* region = attached_region(q.function);
     if (region == nullptr) return 0;
     const PointHit hit = first_point(region, q.live, {slot, port});
@@ -147,9 +151,9 @@ struct VlanRule {
 
 // The slot of the first point from `from` on at `at` that uses a VLAN of
 // `vlans` by rule `r`; the VLAN it uses goes to *vid.
-std::uint32_t point_on_vlan(const std::uint8_t* region, const VlanRule& r, Place at, Span vlans, std::uint32_t from,
-                            std::uint16_t* vid) noexcept {
-    return find_point(region, *r.kind, r.live, at, from, [&](const std::uint8_t* key, const std::uint8_t* record) {
+TARV_SCAN std::uint32_t point_on_vlan(const std::uint8_t* region, const VlanRule& r, Place at, Span vlans,
+                                      std::uint32_t from, std::uint16_t* vid) noexcept {
+    const auto uses = [&](const std::uint8_t* key, const std::uint8_t* record) __attribute__((always_inline)) {
         if (r.kind->mep) {
             const std::uint16_t w = get(record, mep::wVid);
             if (!vlans.holds(w)) return false;
@@ -157,13 +161,15 @@ std::uint32_t point_on_vlan(const std::uint8_t* region, const VlanRule& r, Place
             *vid = w;
         }
         if (r.ma == MaRule::FirstComponent) return endpoint_tagged(region, key, r.tagging) == r.tagged;
-        return find_component(region, key, Empty::Examine, [&](const std::uint8_t* component) {
-                   const std::uint16_t w = get(component, macomp::wVid);
-                   if (!vlans.holds(w) || (get(component, macomp::eTagging) == r.tagging) != r.tagged) return false;
-                   *vid = w;
-                   return true;
-               }) != kNotFound;
-    });
+        const auto serves = [&](const std::uint8_t* component) __attribute__((always_inline)) {
+            const std::uint16_t w = get(component, macomp::wVid);
+            if (!vlans.holds(w) || (get(component, macomp::eTagging) == r.tagging) != r.tagged) return false;
+            *vid = w;
+            return true;
+        };
+        return find_component(region, key, Empty::Examine, serves) != kNotFound;
+    };
+    return find_point(region, *r.kind, r.live, at, from, uses);
 }
 
 // A query for the points on a port that use one VLAN; when none does, the
@@ -261,9 +267,9 @@ bool up_mep_uses(const std::uint8_t* region, const char* function, std::int32_t 
 }
 
 // Runs query q from MEP or MIP slot `from`; the slot found goes to *found.
-std::uint32_t vlan_query(const std::uint8_t* region, const VlanQuery& q, std::int32_t slot, std::int32_t port,
-                         std::int32_t vid, std::uint32_t from = 0, std::uint32_t* found = nullptr,
-                         const UpMeps* up = nullptr) noexcept {
+TARV_SCAN std::uint32_t vlan_query(const std::uint8_t* region, const VlanQuery& q, std::int32_t slot,
+                                   std::int32_t port, std::int32_t vid, std::uint32_t from = 0,
+                                   std::uint32_t* found = nullptr, const UpMeps* up = nullptr) noexcept {
     std::uint16_t w = 0;
     const std::uint32_t i = point_on_vlan(region, q.rule, place(q.ports, slot, port), {vid, vid}, from, &w);
     if (i != kNotFound) {
@@ -272,16 +278,22 @@ std::uint32_t vlan_query(const std::uint8_t* region, const VlanQuery& q, std::in
         return 1;
     }
     if (up != nullptr && up_mep_uses(region, q.function, slot, port, vid, *up)) return 1;
-    if (q.then != nullptr && vlan_query(region, *q.then, slot, port, vid) != 0) {
-        trace_outcome(q.function, q.then_found, vid, slot, port);
-        return 1;
+    if (q.then != nullptr) {
+        // The follow-up query traces under its own name, then this one.
+        const VlanQuery& then = *q.then;
+        const bool used = point_on_vlan(region, then.rule, place(then.ports, slot, port), {vid, vid}, 0, &w) != kNotFound;
+        trace_outcome(then.function, used ? then.found : then.none, vid, slot, port);
+        if (used) {
+            trace_outcome(q.function, q.then_found, vid, slot, port);
+            return 1;
+        }
     }
     trace_outcome(q.function, q.none, vid, slot, port);
     return 0;
 }
 
-std::uint32_t vlan_query(const VlanQuery& q, std::int32_t slot, std::int32_t port, std::int32_t vid,
-                         const UpMeps* up = nullptr) noexcept {
+TARV_SCAN std::uint32_t vlan_query(const VlanQuery& q, std::int32_t slot, std::int32_t port, std::int32_t vid,
+                                   const UpMeps* up = nullptr) noexcept {
     const std::uint8_t* region = attached_region(q.function);
     return region == nullptr ? 0 : vlan_query(region, q, slot, port, vid, 0, nullptr, up);
 }
@@ -315,7 +327,7 @@ constexpr Span range(std::uint32_t low, std::uint32_t high, std::uint16_t keep_l
     return {low == 0 ? 1 : std::int64_t{low}, high, keep_low, keep_high};
 }
 
-std::uint32_t range_query(const RangeQuery& q, std::int32_t slot, std::int32_t port, Span vlans) noexcept {
+TARV_SCAN std::uint32_t range_query(const RangeQuery& q, std::int32_t slot, std::int32_t port, Span vlans) noexcept {
     const std::uint8_t* region = attached_region(q.function);
     if (region == nullptr) return 1;
     std::uint16_t w = 0;
@@ -342,7 +354,7 @@ inline constexpr SwitchQuery kCVlanAnywhere{"Tarv__IsOamEnabledOnCVlan", macomp:
 consteval bool valid(const SwitchQuery& q) { return prints(q.found, 1) && prints(q.none, 1); }
 static_assert(valid(kSVlanAnywhere) && valid(kVfiAnywhere) && valid(kCVlanAnywhere));
 
-std::uint32_t switch_query(const SwitchQuery& q, std::int32_t id) noexcept {
+TARV_SCAN std::uint32_t switch_query(const SwitchQuery& q, std::int32_t id) noexcept {
     const std::uint8_t* region = attached_region(q.function);
     if (region == nullptr) return 0;
     const std::uint32_t j = find_component(region, nullptr, Empty::Skip, [&](const std::uint8_t* component) {
@@ -362,6 +374,8 @@ std::uint32_t endpoint_test(const TARV_MOID& moid, std::uint32_t tagging) noexce
     const MoidBytes key(moid);
     return endpoint_tagged(region, key.b, tagging) ? 1 : 0;
 }
+
+#undef TARV_SCAN
 
 }  // namespace
 }  // namespace tarv::points
@@ -388,14 +402,20 @@ extern "C" TARV_API uint32_t Tarv__IsMPEnabledOnPort(int32_t slot, int32_t port)
 }
 
 extern "C" TARV_API uint32_t Tarv__IsOamEnabledForMepOnPort(int32_t slot, int32_t port, TARV_MOID Moid) {
-    constexpr char kFunction[] = "Tarv__IsOamEnabledForMepOnPort";
+    static constexpr char kFunction[] = "Tarv__IsOamEnabledForMepOnPort";
     const std::uint8_t* region = attached_region(kFunction);
     if (region == nullptr) return 0;
-    const MoidBytes wanted(Moid);
-    const auto is_down_mep = [&](const std::uint8_t* key, const std::uint8_t* record) {
-        return std::memcmp(key, wanted.b, kMoidSize) == 0 && get(record, mep::eDirection) == mep::kDown;
+    // Whether any slot holds the MOID as a Down MEP at the place: the keyed
+    // lookup, the record tested with the key. A MEP in its hint slot costs
+    // one comparison.
+    const MoidValue wanted = MoidValue::of(reinterpret_cast<const std::uint8_t*>(&Moid));
+    const Place at = place(Ports::Substituted, slot, port);
+    const auto down_mep_at = [&](const std::uint8_t* key) {
+        if (!wanted.matches(key)) return false;
+        const std::uint8_t* record = entry(region, kMep.data, slot_of(region, kMep.keys, key));
+        return sits(kMep, record, at) && get(record, mep::eDirection) == mep::kDown;
     };
-    if (find_point(region, kMep, Live::Always, place(Ports::Substituted, slot, port), 0, is_down_mep) == kNotFound) {
+    if (find_slot_if(region, kMep.keys, wanted.hint(), down_mep_at) == kNotFound) {
         TARV_DEBUG(trace::kOutcome, kFunction, "OAM is NOT enabled for requested MEP  on S/P %d/%d", slot, port);
         return 0;
     }
