@@ -89,8 +89,9 @@ enum class Ports : std::uint8_t { AsGiven, Substituted };
 // runs only for points that pass every other test. Inlined into each query,
 // where the kind and the rule are constants.
 template <typename Match>
-[[nodiscard, gnu::always_inline]] inline std::uint32_t find_point(const std::uint8_t* region, const Kind& kind, Live rule, Place at,
-                                              std::uint32_t from, Match&& match) noexcept {
+[[nodiscard, gnu::always_inline]] inline std::uint32_t find_point(const std::uint8_t* region, const Kind& kind,
+                                                                  Live rule, Place at, std::uint32_t from,
+                                                                  Match&& match) noexcept {
     for (std::uint32_t i = from; i < info(kind.keys).slots; ++i) {
         const std::uint8_t* key = entry(region, kind.keys, i);
         const std::uint8_t* record = entry(region, kind.data, i);
@@ -122,8 +123,9 @@ enum class Empty : std::uint8_t { Skip, Examine };
 // `point` (any MA when `point` is null) for which match(record) holds;
 // kNotFound when none does.
 template <typename Match>
-[[nodiscard, gnu::always_inline]] inline std::uint32_t find_component(const std::uint8_t* region, const std::uint8_t* point, Empty empty,
-                                                  Match&& match) noexcept {
+[[nodiscard, gnu::always_inline]] inline std::uint32_t find_component(const std::uint8_t* region,
+                                                                      const std::uint8_t* point, Empty empty,
+                                                                      Match&& match) noexcept {
     for (std::uint32_t j = 0; j < info(Table::MACompMoidArray).slots; ++j) {
         const std::uint8_t* key = entry(region, Table::MACompMoidArray, j);
         if (empty == Empty::Skip && key_empty(key, kMoidSize)) continue;

@@ -281,7 +281,8 @@ TARV_SCAN std::uint32_t vlan_query(const std::uint8_t* region, const VlanQuery& 
     if (q.then != nullptr) {
         // The follow-up query traces under its own name, then this one.
         const VlanQuery& then = *q.then;
-        const bool used = point_on_vlan(region, then.rule, place(then.ports, slot, port), {vid, vid}, 0, &w) != kNotFound;
+        const Place at = place(then.ports, slot, port);
+        const bool used = point_on_vlan(region, then.rule, at, {vid, vid}, 0, &w) != kNotFound;
         trace_outcome(then.function, used ? then.found : then.none, vid, slot, port);
         if (used) {
             trace_outcome(q.function, q.then_found, vid, slot, port);
