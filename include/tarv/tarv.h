@@ -558,6 +558,266 @@ TARV_API void Tarv__GetChkpData(uint32_t eSectionId, uint16_t* pwValue, void* pD
 TARV_API void Tarv__SetChkpData(uint32_t eSectionId, uint16_t wValue, const void* pData, int32_t lLengthInByte);
 
 /* ------------------------------------------------------------------------
+ * OAM usage queries
+ *
+ * Port, VLAN, VFI and LAG managers ask these before they change a port, a
+ * VLAN or a LAG. They only read the region (the finders also write the
+ * caller's buffers on a hit) and answer from its state at the moment of the
+ * call.
+ *
+ * Terms used below:
+ *   point       a MEP or a MIP. It sits on (bySlot, byPort) of its record;
+ *               on a LAG, bySlot is 2 and byPort the LAG id. Slot, port and
+ *               VLAN arguments are compared with the 8-bit and 16-bit record
+ *               fields widened, so values outside their range never match.
+ *               MEPs are always scanned before MIPs, each in slot order, and
+ *               the first match decides.
+ *   live        how a query recognises a point in use; it differs by query
+ *               on purpose: "key" (its 14 MOID bytes not all zero), "class"
+ *               (its MOID's wClass is 532 for MEPs, 575 for MIPs), "vid"
+ *               (the MEP record's wVid is not 0; the MOID is not looked at)
+ *               or "any" (every entry is examined, empty or not).
+ *   port rule   "substituted": slot 2 matches port 24 and slot 3 port 23,
+ *               whatever port is passed; otherwise the port as given.
+ *               Traces always print the caller's port.
+ *   MA          the MA components (MAComp) of a point are those whose MOID
+ *               has the point's MD id (lId1) and MaNet id (lId2).
+ *   tagging     eTagging of a component: 1 C-VLAN, 2 S-VLAN, 5 VFI.
+ *   endpoint test  the tagging of a MEP is that of the first non-empty
+ *               component of its MA, later components are not looked at. A
+ *               MEP whose MA has no component is traced as an error (code 0,
+ *               "MEP exists without it's parent MAComp\n", under the name of
+ *               the test: Tarv__IsEndpointCTagged, Tarv__IsEndpointSTagged or
+ *               Tarv__IsEndpointVfi) and has no tagging. The test runs only
+ *               for MEPs that pass every other condition of the query.
+ *   any component  every component of the point's MA is tried, empty MAComp
+ *               entries compared like any other; the first that matches
+ *               decides.
+ *
+ * Messages are debug traces at level 5 under the function's own name unless
+ * said otherwise; "(v, s, p)" means VLAN or VFI id, slot, caller's port.
+ *
+ * Not attached: every function below traces the code-12 error under its own
+ * name and answers "nothing found" without touching memory or the caller's
+ * buffers: 0, or 1 for the four range finders and for
+ * Tarv__MepResourcesAvailableOnSlot. No other trace is made.
+ * ------------------------------------------------------------------------ */
+
+/*
+ * 1 when a MEP or MIP (live: key) sits on (slot, port), else 0.
+ * Traces "OAM is enabled on S/P %d/%d" or "OAM is NOT enabled on S/P %d/%d"
+ * with slot, port.
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnPort(int32_t slot, int32_t port);
+
+/*
+ * As Tarv__IsOamEnabledOnPort with live: class. Traces "OAM is enabled on
+ * Slot %d, Port %d." or "OAM is NOT enabled on Slot %d, Port %d.".
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnPortOpt(int32_t slot, int32_t port);
+
+/*
+ * As Tarv__IsOamEnabledOnPortOpt, but a MEP found traces "MEP is enabled on
+ * Slot %d, Port %d." (a MIP found: "OAM is enabled on Slot %d, Port %d.").
+ */
+TARV_API uint32_t Tarv__IsMPEnabledOnPort(int32_t slot, int32_t port);
+
+/*
+ * 1 when the MEP whose MOID equals Moid (all 14 bytes; live: any) is a Down
+ * MEP (eDirection 1) on (slot, port) under the substituted port rule, else
+ * 0. Traces "OAM is enabled for requested MEP on S/P %d/%d" or "OAM is NOT
+ * enabled for requested MEP  on S/P %d/%d" (two blanks before "on").
+ */
+TARV_API uint32_t Tarv__IsOamEnabledForMepOnPort(int32_t slot, int32_t port, TARV_MOID Moid);
+
+/*
+ * 1 when a MIP (live: key) on (slot, port) has, among any component of its
+ * MA, one S-tagged with VLAN vid, else 0. Traces "Svlan %d is in use by OAM
+ * on S/P %d/%d" or "Svlan %d is not in use by OAM on S/P %d/%d" (v, s, p).
+ * The C-VLAN counterpart (tagging 1, same messages, traced under
+ * "Tarv__IsOamEnabledOnMIPPortCVlan") is internal to the library.
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnMIPPortSVlan(int32_t slot, int32_t port, int32_t vid);
+
+/*
+ * 1 when a MEP (live: key; either direction) on (slot, port) under the
+ * substituted port rule has wVid equal to vid and its endpoint test says
+ * S-tagged, else 0. MIPs are not looked at. Traces "Svlan %d is in use by
+ * OAM on S/P %d/%d" or "Svlan %d is not in use by OAM on S/P %d/%d".
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnPortSVlan(int32_t slot, int32_t port, int32_t vid);
+
+/*
+ * As Tarv__IsOamEnabledOnPortSVlan for a VFI-based MEP (endpoint test says
+ * VFI, wVid equal to vfi). Traces "vfi %d is in use by OAM on S/P %d/%d" or
+ * "vfi %d is not in use by OAM on S/P %d/%d".
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnPortVfi(int32_t slot, int32_t port, int32_t vfi);
+
+/*
+ * 1 when a MEP (live: key; either direction) on (slot, port) as given has
+ * wVid equal to vid and its endpoint test says C-tagged (traces "Cvlan %d is
+ * in use by MEP on S/P %d/%d"), or else when a MIP on the port has a
+ * C-tagged component of VLAN vid among any component of its MA (the MIP
+ * test traces first, see Tarv__IsOamEnabledOnMIPPortSVlan, then "Cvlan %d is
+ * in use by MIP on S/P %d/%d"); otherwise 0 after "Cvlan %d is not in use by
+ * OAM on S/P %d/%d".
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnCVlanPort(int32_t slot, int32_t port, int32_t vid);
+
+/*
+ * Switch-wide: 1 when a non-empty MA component has tagging 2 and wVid vid,
+ * else 0. Traces "Svlan %d is in use by OAM" on a match, nothing otherwise.
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnSVlan(int32_t vid);
+
+/*
+ * As Tarv__IsOamEnabledOnSVlan for tagging 5: "Vfi %d is in use by OAM", no
+ * trace otherwise.
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnVfi(int32_t vfi);
+
+/*
+ * As Tarv__IsOamEnabledOnSVlan for tagging 1: "Cvlan %d is in use by OAM" or
+ * "Cvlan %d is not in use by OAM".
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnCVlan(int32_t vid);
+
+/* Result of Tarv__CheckTagging on a conflict. */
+#define TARV_TAGGING_CONFLICT 0x6037u
+
+/*
+ * TARV_TAGGING_CONFLICT (24631) when mode is 0, vid is not 0 and a MEP
+ * (live: key) on (slot, port) as given has wVid vid and any component of its
+ * MA is S-tagged with VLAN vid; else 0. A vid of 0 or a mode other than 0
+ * answers 0 without reading the region (and without the not-attached trace).
+ * No trace.
+ */
+TARV_API uint32_t Tarv__CheckTagging(uint32_t slot, uint32_t port, uint32_t vid, uint32_t mode);
+
+/*
+ * Range finders: 0 when a point on (slot, port) as given uses a VLAN w with
+ * lowVid <= w <= highVid (VLAN 0 never counts), else 1; a range with lowVid
+ * above highVid finds nothing. On a hit they trace w, otherwise nothing.
+ *
+ * Tarv__FindMepOnPort: a MEP (live: vid) of either direction whose wVid is
+ * in the range and whose endpoint test does not say VFI; a MEP whose MA has
+ * no component counts (after the endpoint test's error trace). Traces
+ * "vlan: %d is in use by a MEP".
+ * Tarv__FindMipOnPort: a MIP (live: key) with, among any component of its
+ * MA, one with wVid in the range that is not VFI-based. Traces "vlan: %d is
+ * in use by a MIP".
+ */
+TARV_API uint32_t Tarv__FindMepOnPort(int32_t slot, int32_t port, uint32_t lowVid, uint32_t highVid);
+TARV_API uint32_t Tarv__FindMipOnPort(int32_t slot, int32_t port, uint32_t lowVid, uint32_t highVid);
+
+/*
+ * As Tarv__FindMepOnPort and Tarv__FindMipOnPort over the old span
+ * oldLow..oldHigh, counting only VLANs outside the new span newLow..newHigh
+ * (every VLAN when newLow is above newHigh). A new span that covers the old
+ * one answers 1. Traces "vlan(with mep): %d is not in the new vlan span",
+ * respectively "vlan: %d is in use by a MIP".
+ */
+TARV_API uint32_t Tarv__FindAllMepOnPort(int32_t slot, int32_t port, uint32_t oldLow, uint32_t oldHigh,
+                                         uint16_t newLow, uint16_t newHigh);
+TARV_API uint32_t Tarv__FindAllMipOnPort(int32_t slot, int32_t port, uint32_t oldLow, uint32_t oldHigh,
+                                         uint16_t newLow, uint16_t newHigh);
+
+/*
+ * Hands out the Down MEPs of C-VLAN cvid on (slot, port) as given, one per
+ * call. From MEP slot *pMepIndex up to 31, finds the first MEP (live: key)
+ * with wVid cvid, eDirection 1 and an endpoint test that says C-tagged;
+ * copies its MOID (14 bytes) to pMoid and its record (48 bytes) to pMep,
+ * stores its slot (not slot + 1) in *pMepIndex, traces "Cvlan %d is in use
+ * by OAM on S/P %d/%d" and returns 1. Otherwise traces "Cvlan %d is not in
+ * use by OAM on S/P %d/%d" and returns 0 with *pMepIndex and both buffers
+ * untouched. Walk: start at 0, continue with the returned index plus 1 until
+ * 0 comes back.
+ * A start index outside 0..31 (negative ones included) returns 0 at once:
+ * nothing is read, traced or written. No pointer may be null.
+ */
+TARV_API uint32_t Tarv__FindDownMepFromSomeWhereOnCVlanPort(int32_t slot, int32_t port, int32_t cvid,
+                                                            int32_t* pMepIndex, TARV_MOID* pMoid, void* pMep);
+
+/*
+ * 1 when a MIP (live: key) on (slot, port) as given has, among any component
+ * of its MA, one C-tagged with VLAN cvid: the first such MIP's MOID (14
+ * bytes) goes to pMoid and its record (14 bytes) to pMip, and "Cvlan %d is
+ * in use by OAM on S/P %d/%d" is traced. Otherwise 0 after "Cvlan %d is not
+ * in use by OAM on S/P %d/%d", both buffers untouched.
+ */
+TARV_API uint32_t Tarv__DoesMipExistOnCVlanPort(int32_t slot, int32_t port, int32_t cvid, TARV_MOID* pMoid,
+                                                void* pMip);
+
+/*
+ * 1 when a MEP (live: any; either direction) on (slot, port) as given has
+ * wVid vid and its endpoint test says S-tagged (traces "vlan: %d is in use
+ * by a Down MEP(S%d/P%d)\n", whatever the direction), or else when
+ * Tarv__IsOamEnabledOnMIPPortSVlan(slot, port, vid) yields 1 (it traces
+ * first, under its own name; then "vlan: %d is in use by a MIP(S%d/P%d)\n");
+ * otherwise 0 with only the MIP test's trace. An empty MEP entry whose stale
+ * record matches is examined too: its endpoint test looks for a component
+ * of MD 0, MaNet 0, normally finds none and traces its error.
+ */
+TARV_API int32_t Tarv__IsVidTranslationUsedByOam(int32_t slot, int32_t port, int32_t vid);
+
+/*
+ * Whether a C-VID registration of cvid to svid on (slot, port) as given cuts
+ * off OAM; live: any for MEPs. Three steps, the first that finds a use
+ * answers 1:
+ * 1. Down MEPs (eDirection 1), in slot order: wVid cvid and an endpoint test
+ *    that says C-tagged. Traces "vlan: %d is in use by a Down MEP(S%d/P%d)\n"
+ *    (cvid, s, p).
+ * 2. Up MEPs (eDirection 2), in slot order, only when step 1 found none: the
+ *    first component of the MEP's MA, empty MAComp entries compared too (no
+ *    error trace when there is none), is C-tagged and the MEP's wVid is cvid,
+ *    or flag is 1, it is S-tagged and the MEP's wVid is svid. Traces "vlan:
+ *    %d is in use by a Up MEP(S%d/P%d)\n" with cvid, respectively svid.
+ * 3. The MIP test for C-VLAN cvid (tagging 1 among any component of the
+ *    MIP's MA; it traces "Svlan %d is in use by OAM on S/P %d/%d" or "Svlan
+ *    %d is not in use by OAM on S/P %d/%d" under
+ *    "Tarv__IsOamEnabledOnMIPPortCVlan"); a use then traces "vlan: %d is in
+ *    use by a MIP(S%d/P%d)\n".
+ * Otherwise 0. value1 and value2 are not read.
+ */
+TARV_API uint32_t Tarv__IsCVidRegistrationsUsedByOam(int32_t slot, int32_t port, int32_t cvid, int32_t svid,
+                                                     int32_t value1, int32_t value2, uint8_t flag);
+
+/*
+ * 1 when a MEP, else a MIP (live: class) sits on LAG lagId (bySlot 2, byPort
+ * lagId): the dwCcmPeriod of the first such point's MaNet (key: class 574,
+ * the point's MD id and MaNet id) is stored in *pCcmPeriod and "OAM is
+ * enabled on Lag, CCM Period = %d\n" traced. When that MaNet cannot be
+ * found, Tarv__ReadMANet's error is traced, the period stored is 0 and the
+ * answer is still 1. Otherwise 0 after "OAM is NOT enabled on Lag %d\n",
+ * *pCcmPeriod untouched. pCcmPeriod must not be null.
+ */
+TARV_API uint32_t Tarv__IsOamEnabledOnLagOpt(int32_t lagId, uint32_t* pCcmPeriod);
+
+/*
+ * 1 when slot can take one more MEP of CCM period ccmPeriod, else 0. Walks
+ * the MEPs as Tarv__MEPMoidIterator does and reads each as Tarv__ReadMEP
+ * does (same traces), and sums resource units in 16 bits: a MEP's weight is
+ * 3 when the dwCcmPeriod of its MaNet is 2, else 1 (also when the MaNet
+ * cannot be found: Tarv__ReadMANet's error is traced and the period taken as
+ * 0).
+ *   - A MEP on a LAG (bySlot 2, never a physical slot 2): its MaNet is read,
+ *     then Prtm__LagGetLagPortList(byPort) is asked for the members; the
+ *     weight counts once per member whose slot is not 0 and equals slot and
+ *     whose port is not 0. A list that the port library leaves unwritten
+ *     has no members; a member count above nine is read as nine, the
+ *     entries the 20-byte list holds.
+ *   - A MEP with bySlot equal to slot: its weight, its MaNet read.
+ *   - Other MEPs and all MIPs: nothing, no MaNet read.
+ *   - A MEP that the walk names but that can no longer be read (removed
+ *     meanwhile; Tarv__ReadMEP's error is traced): nothing.
+ * The answer is 1 when the sum plus the new MEP's weight (3 for ccmPeriod 2,
+ * else 1), truncated to 16 bits, is at most 1000. No trace of its own.
+ * Not attached: 1 (as for a region without MEPs), after the code-12 trace.
+ */
+TARV_API int32_t Tarv__MepResourcesAvailableOnSlot(uint32_t slot, int32_t ccmPeriod);
+
+/* ------------------------------------------------------------------------
  * Performance-monitoring records (no region access, no trace, reentrant)
  * ------------------------------------------------------------------------ */
 

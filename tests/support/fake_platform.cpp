@@ -145,6 +145,7 @@ int32_t Prtm__GetPortMacAddress(uint32_t lSlot, uint32_t lPort, uint8_t* pMacAdd
 int32_t Prtm__LagGetLagPortList(uint32_t lLagId, uint8_t* pPortList) {
     auto& f = fake();
     f.lag_requests.push_back(lLagId);
+    if (f.on_lag_request) f.on_lag_request(lLagId);
     auto it = f.lag_lists.find(lLagId);
     if (it == f.lag_lists.end()) {
         std::memset(pPortList, 0, PRTM_LAG_PORT_LIST_SIZE);

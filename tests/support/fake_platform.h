@@ -67,6 +67,9 @@ struct FakePlatform {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> port_mac_requests;
     std::map<std::uint32_t, std::array<std::uint8_t, 20>> lag_lists;
     std::vector<std::uint32_t> lag_requests;
+    // Runs at each LAG member list request, before the list is filled: a
+    // test changes the region here as the controller might meanwhile.
+    std::function<void(std::uint32_t)> on_lag_request;
     std::int32_t switch_mode = 1;
     std::map<std::pair<std::uint32_t, std::uint32_t>, std::int32_t> port_types;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> port_type_requests;

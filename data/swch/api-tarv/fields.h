@@ -113,6 +113,21 @@ namespace alarm_text {
 inline constexpr std::uint32_t kMaxChars = 80;  // an 81-byte zero-terminated text
 }
 
+// Values of the point, component and MA fields that the usage queries test.
+namespace mep {
+inline constexpr std::uint32_t kDown = 1;  // eDirection
+inline constexpr std::uint32_t kUp = 2;
+inline constexpr std::uint8_t kLagSlot = 2;  // bySlot of a point on a LAG; byPort is then the LAG id
+}  // namespace mep
+namespace macomp {
+inline constexpr std::uint32_t kCVlan = 1;  // eTagging
+inline constexpr std::uint32_t kSVlan = 2;
+inline constexpr std::uint32_t kVfi = 5;
+}  // namespace macomp
+namespace manet {
+inline constexpr std::uint32_t kHeavyCcmPeriod = 2;  // the dwCcmPeriod whose MEPs cost 3 resource units
+}  // namespace manet
+
 static_assert(fits(md::acMdName) && fits(md::eMdLevel));
 static_assert(fits(manet::acMaName) && fits(manet::dwCcmPeriod));
 static_assert(fits(macomp::eTagging) && fits(macomp::wVid));

@@ -2,60 +2,23 @@
 // the throughput list.
 #include <cstring>
 
-#include "fields.h"
-#include "region.h"
-#include "tarv/tarv.h"
-#include "trace.h"
+#include "readers.h"
 
-namespace tarv {
-namespace {
-
-// A key passed by value, as its raw bytes (a MOID, a MaNet key, ...).
-template <typename Key>
-struct KeyBytes {
-    std::uint8_t b[sizeof(Key)];
-    explicit KeyBytes(const Key& k) noexcept { std::memcpy(b, &k, sizeof b); }
-
-    [[nodiscard]] int wClass() const noexcept { return load_le<std::uint16_t>(b + moid::kClassOffset); }
-    [[nodiscard]] long id(std::uint32_t offset) const noexcept {
-        return trace::as_ld(load_le<std::uint32_t>(b + offset));
-    }
-    [[nodiscard]] std::uint32_t hint() const noexcept { return slot_hint(b, sizeof b); }
-};
-using MoidBytes = KeyBytes<TARV_MOID>;
-static_assert(sizeof(TARV_MOID) == TARV_MOID_SIZE);
-static_assert(sizeof(TARV_MANET_KEY) == TARV_MANET_KEY_SIZE);
 static_assert(sizeof(TARV_THROUGHPUT_KEY) == TARV_THROUGHPUT_KEY_SIZE);
-
-}  // namespace
-}  // namespace tarv
 
 using namespace tarv;
 
 extern "C" TARV_API const TARV_MOID* Tarv__MEPMoidIterator(const TARV_MOID* pPrevMoid) {
     const std::uint8_t* region = attached_region("Tarv__MEPMoidIterator");
     if (region == nullptr) return nullptr;
-    const std::uint8_t* next = iterate(region, Table::MepMoidArray, reinterpret_cast<const std::uint8_t*>(pPrevMoid),
-                                       [](std::uint32_t hint, std::uint32_t last_id) {
-                                           TARV_DEBUG(trace::kSuspicious, "Tarv__MEPMoidIterator",
-                                                      "Wrong index %d from MepId %ld", static_cast<int>(hint),
-                                                      trace::as_ld(last_id));
-                                       });
-    return reinterpret_cast<const TARV_MOID*>(next);
+    return reinterpret_cast<const TARV_MOID*>(next_mep(region, reinterpret_cast<const std::uint8_t*>(pPrevMoid)));
 }
 
 extern "C" TARV_API void Tarv__ReadMEP(TARV_MOID Moid, void* pMep) {
     const std::uint8_t* region = attached_region("Tarv__ReadMEP");
     if (region == nullptr) return;
     const MoidBytes key(Moid);
-    const std::uint32_t slot = find_slot(region, Table::MepMoidArray, key.b, key.hint());
-    if (slot == kNotFound) {
-        TARV_ERROR("Tarv__ReadMEP", trace::kNotFound,
-                   "Tarv__ReadMEP() : Unable to read Mep - can't find specified MOID: Class %d Md %ld MaNet %ld Mep %ld",
-                   key.wClass(), key.id(moid::kId1Offset), key.id(moid::kId2Offset), key.id(moid::kId3Offset));
-        return;
-    }
-    std::memcpy(pMep, entry(region, Table::MepDataArray, slot), info(Table::MepDataArray).entry);
+    (void)read_mep(region, MoidValue::of(key.b), pMep);
 }
 
 extern "C" TARV_API int32_t Tarv__GetMepIndexFromOldMoid(TARV_MOID OldMoid, uint16_t* pMepIndex) {
@@ -89,14 +52,7 @@ extern "C" TARV_API void Tarv__ReadMANet(TARV_MANET_KEY MaNetKey, void* pMaNet) 
     const std::uint8_t* region = attached_region("Tarv__ReadMANet");
     if (region == nullptr) return;
     const KeyBytes<TARV_MANET_KEY> key(MaNetKey);
-    const std::uint32_t slot = find_slot(region, Table::MaNetMoidArray, key.b, key.hint());
-    if (slot == kNotFound) {
-        TARV_ERROR("Tarv__ReadMANet", trace::kNotFound,
-                   "Tarv__ReadMANet() : Unable to read MaNet - can't find specified MOID: Class %d Md %ld MaNet %ld",
-                   key.wClass(), key.id(moid::kId1Offset), key.id(moid::kId2Offset));
-        return;
-    }
-    std::memcpy(pMaNet, entry(region, Table::MaNetDataArray, slot), info(Table::MaNetDataArray).entry);
+    (void)read_manet(region, MaNetKeyValue::of(key.b), pMaNet);
 }
 
 extern "C" TARV_API const TARV_MOID* Tarv__BandwidthNotificationMoidIterator(const TARV_MOID* pPrevMoid) {

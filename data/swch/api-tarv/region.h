@@ -262,16 +262,24 @@ template <std::uint32_t K>
 inline constexpr std::uint32_t kNotFound = 0xFFFFFFFFu;
 
 // Keyed lookup in key array t: the hint slot first (when it lies inside the
-// table), then every slot from 0 up; the first slot whose key bytes equal
-// `key` wins. An all-zero key matches the first empty slot. Returns the slot
-// or kNotFound.
+// table), then every slot from 0 up; the first slot whose key `matches`
+// wins. Returns the slot or kNotFound.
+template <typename Matches>
+[[nodiscard]] inline std::uint32_t find_slot_if(const std::uint8_t* base, Table t, std::uint32_t hint,
+                                                Matches&& matches) noexcept {
+    const TableInfo& ti = info(t);
+    if (hint < ti.slots && matches(entry(base, t, hint))) return hint;
+    for (std::uint32_t s = 0; s < ti.slots; ++s)
+        if (matches(entry(base, t, s))) return s;
+    return kNotFound;
+}
+
+// The keyed lookup of the key bytes at `key`: the first slot whose key bytes
+// equal them. An all-zero key matches the first empty slot.
 [[nodiscard]] inline std::uint32_t find_slot(const std::uint8_t* base, Table t, const std::uint8_t* key,
                                              std::uint32_t hint) noexcept {
-    const TableInfo& ti = info(t);
-    if (hint < ti.slots && std::memcmp(entry(base, t, hint), key, ti.key) == 0) return hint;
-    for (std::uint32_t s = 0; s < ti.slots; ++s)
-        if (std::memcmp(entry(base, t, s), key, ti.key) == 0) return s;
-    return kNotFound;
+    return find_slot_if(base, t, hint,
+                        [&](const std::uint8_t* k) { return std::memcmp(k, key, info(t).key) == 0; });
 }
 
 // The slot of table t whose entry starts at p, or kNotFound when p is not
