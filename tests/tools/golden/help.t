@@ -18,13 +18,18 @@ Subcommands:
   check                       Check the region's consistency
   get                         Print a class's transfer list
   set                         Replace a class in the region by a transfer list
+  port                        Ask every usage question about a port
+  vlan                        Ask whether OAM uses a VLAN, switch-wide
+  vfi                         Ask whether OAM uses a VFI, switch-wide
+  lag                         Ask whether OAM uses a LAG
+  slot                        Ask whether a slot has room for one more MEP
   snapshot                    Save the data region to a file, or load it from one
   watch                       Print what changes in the region, until interrupted
 
 Exit status:
   0  done; check found nothing
-  1  check found inconsistencies
-  2  usage error: unknown subcommand, option, class or value, a malformed file to set
+  1  check found inconsistencies; port, vlan, vfi, lag: OAM does not use it; slot: the MEP does not fit
+  2  usage error: unknown subcommand, option, class or value; a malformed SLOT/PORT, VID or id; a file set refuses
   3  no OAM data region in shared memory (create one with 'tarvctl init')
   4  a file or region cannot be read, written or mapped, or has the wrong size
   5  demo refused: the region is not empty (demo --force replaces it)
@@ -40,13 +45,23 @@ $ tarvctl --version
 tarvctl 1.0.0
 [exit 0]
 # Every subcommand explains itself.
-$ for c in init demo show check get set snapshot "snapshot save" "snapshot load" watch; do tarvctl $c --help | head -n 2; done
+$ for c in init demo show port vlan vfi lag slot check get set snapshot "snapshot save" "snapshot load" watch; do tarvctl $c --help | head -n 2; done
 Create the OAM regions, zero-filled
 Usage: tarvctl init [OPTIONS]
 Write a realistic demo configuration into the region
 Usage: tarvctl demo [OPTIONS]
 Show what the region holds, through the library
 Usage: tarvctl show [OPTIONS] [view]
+Ask every usage question about a port
+Usage: tarvctl port [OPTIONS] SLOT/PORT
+Ask whether OAM uses a VLAN, switch-wide
+Usage: tarvctl vlan [OPTIONS] VID
+Ask whether OAM uses a VFI, switch-wide
+Usage: tarvctl vfi [OPTIONS] VFI
+Ask whether OAM uses a LAG
+Usage: tarvctl lag [OPTIONS] ID
+Ask whether a slot has room for one more MEP
+Usage: tarvctl slot [OPTIONS] SLOT
 Check the region's consistency
 Usage: tarvctl check [OPTIONS]
 Print a class's transfer list
