@@ -195,9 +195,10 @@ Alarms Alarms::read(const Configuration& c) {
         const bool named = !all_zero(Bytes(reinterpret_cast<const std::uint8_t*>(&moid), sizeof moid));
         const auto id = ids_of(&moid, 3);
         const Mep* mep = named ? c.find_mep(id[0], id[1], id[2]) : nullptr;
+        const Bytes text_bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
         a.meps.push_back(MepAlarm{slot, named, id[0], id[1], id[2], words[slot],
                                   mep != nullptr && words[slot] != 0 ? mep->alarm_bits : words[slot],
-                                  display_text(Bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()))});
+                                  display_text(text_bytes)});
     }
     std::array<std::uint8_t, TARV_PM_ALARM_BLOCK_SIZE> block{};
     Tarv__GetPMAlarms(block.data());

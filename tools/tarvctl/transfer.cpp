@@ -40,7 +40,8 @@ std::vector<TransferEntry> parse_hex_lines(const ClassDef& c, const std::string&
             auto raw = parse_hex(digits);
             if (!raw) bad_input(path, where, fmt::format("the {} is not an even number of hex digits", what));
             if (raw->size() != size)
-                bad_input(path, where, fmt::format("the {} has {} bytes, class {} needs {}", what, raw->size(), c.id, size));
+                bad_input(path, where,
+                          fmt::format("the {} has {} bytes, class {} needs {}", what, raw->size(), c.id, size));
             return std::move(*raw);
         };
         if (c.key > 0) e.key = bytes_of(parts[0], c.key, "key");
@@ -70,7 +71,8 @@ std::vector<TransferEntry> parse_json(const ClassDef& c, const std::string& text
     for (const Json& r : doc.at("records")) {
         const std::string where = fmt::format("record {}", ++number);
         try {
-            if (!r.is_object() || !r.contains("record")) throw Failure(kExitUsage, "expected {\"key\": ..., \"record\": ...}");
+            if (!r.is_object() || !r.contains("record"))
+                throw Failure(kExitUsage, "expected {\"key\": ..., \"record\": ...}");
             if (c.key > 0 && !r.contains("key")) throw Failure(kExitUsage, "the record has no \"key\"");
             TransferEntry e{where, c.key > 0 ? key_from_json(c, r.at("key")) : std::vector<std::uint8_t>{},
                     record_from_json(c, r.at("record"))};
