@@ -1,18 +1,21 @@
 // tarvctl's readers of what people and files hand it, and what it makes of
-// them: hex, addresses and texts; JSON keys and records; transfer lists as
-// Tarv__SetConfig takes them; the numbers of the query subcommands; the
-// alarm lines of `watch`. Each refusal is a usage error that names what is
-// wrong; the transcripts show the same paths end to end.
+// them: hex, addresses and texts; JSON keys and records; transfer lists in
+// the forms `get` prints and as Tarv__SetConfig takes them; the numbers of
+// the query subcommands and what they work out beside the library's
+// answers; the alarm lines of `watch`. Each refusal is a usage error that
+// names what is wrong; the transcripts show the same paths end to end.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <optional>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "tarvctl/args.h"
 #include "tarvctl/bytes.h"
+#include "tarvctl/query.h"
 #include "tarvctl/records.h"
 #include "tarvctl/show.h"
 #include "tarvctl/status.h"
@@ -70,26 +73,6 @@ TEST(TarvctlBytes, ExactTextsCarryEveryByte) {
 }
 
 // ------------------------------------------------------------ JSON records
-
-// Every class's keys and records come back byte for byte from their JSON,
-// whatever the bytes: all zero, all 0xFF, or arbitrary.
-TEST(TarvctlRecords, JsonGivesBackEveryByteOfEveryClass) {
-    std::mt19937 random(531);
-    for (const ClassDef& c : classes()) {
-        if (c.rule == Rule::NoStorage) continue;
-        for (int pattern = 0; pattern < 3; ++pattern) {
-            ByteList key(c.key);
-            ByteList record(c.record);
-            for (ByteList* bytes : {&key, &record})
-                for (std::uint8_t& b : *bytes)
-                    b = pattern == 0 ? 0 : pattern == 1 ? 0xff : static_cast<std::uint8_t>(random());
-            EXPECT_EQ(record_from_json(c, record_json(c, record)), record) << c.id << " pattern " << pattern;
-            if (c.key > 0) {
-                EXPECT_EQ(key_from_json(c, key_json(c, key)), key) << c.id << " pattern " << pattern;
-            }
-        }
-    }
-}
 
 struct JsonRow {
     std::uint32_t class_id;
@@ -163,6 +146,42 @@ std::vector<TransferEntry> entries(const ClassDef& c, std::size_t count) {
                         ByteList(c.record, 0xab)});
     }
     return list;
+}
+
+// What `get` prints for a list, in either form, reads back as the same
+// objects, for every class and whatever the bytes: all zero but a key's
+// last byte, all 0xFF, or arbitrary.
+TEST(TarvctlTransfer, WhatGetPrintsReadsBackForEveryClass) {
+    std::mt19937 random(531);
+    for (const ClassDef& c : classes()) {
+        if (c.rule == Rule::NoStorage) continue;
+        const std::size_t count = c.rule == Rule::Singleton ? 1 : 3;
+        for (int pattern = 0; pattern < 3; ++pattern) {
+            std::vector<TransferEntry> objects;
+            std::string hex_text;
+            Json records = Json::array();
+            for (std::size_t i = 0; i < count; ++i) {
+                ByteList key(c.key);
+                ByteList record(c.record);
+                for (ByteList* bytes : {&key, &record})
+                    for (std::uint8_t& b : *bytes)
+                        b = pattern == 0 ? 0 : pattern == 1 ? 0xff : static_cast<std::uint8_t>(random());
+                if (!key.empty()) key.back() |= 1;  // a key, not the terminator
+                hex_text += hex_line(c, key, record) + "\n";
+                records.push_back(object_json(c, key, record));
+                objects.push_back({"", key, record});
+            }
+            const Json doc = {{"class", c.id}, {"records", records}};
+            for (const std::string& text : {hex_text, doc.dump(2)}) {
+                const std::vector<TransferEntry> read = parse_transfer(c, text, "f");
+                ASSERT_EQ(read.size(), count) << c.id;
+                for (std::size_t i = 0; i < count; ++i) {
+                    EXPECT_EQ(read[i].key, objects[i].key) << c.id << " pattern " << pattern;
+                    EXPECT_EQ(read[i].record, objects[i].record) << c.id << " pattern " << pattern;
+                }
+            }
+        }
+    }
 }
 
 struct ListRow {
@@ -278,6 +297,52 @@ TEST(TarvctlArgs, SlotsPortsIdsAndRanges) {
     const IdRange empty = parse_range("9-2", "--range");
     EXPECT_EQ(empty.low, 9u);
     EXPECT_EQ(empty.high, 2u);
+}
+
+// ------------------------------------------------------------ queries
+
+Mep mep_on(std::uint32_t md, std::uint32_t ma, std::uint32_t mep, std::uint16_t vid, std::uint8_t slot,
+           std::uint8_t port) {
+    return Mep{md, ma, mep, 100, 1, vid, "", slot, port, 0};
+}
+
+// The ids asked about on a port: its MEPs' own, and those of the
+// components of the MAs of its MEPs and MIPs; never 0, never another port's.
+TEST(TarvctlQueries, IdsOfAPort) {
+    Configuration c;
+    c.comps = {{1, 1, 1, 1, 100}, {1, 1, 2, 2, 200}, {2, 2, 3, 5, 7}, {3, 3, 4, 1, 0}, {4, 4, 5, 1, 400}};
+    c.meps = {mep_on(1, 1, 1, 101, 1, 4), mep_on(3, 3, 2, 0, 1, 4), mep_on(4, 4, 3, 401, 1, 5),
+              mep_on(4, 4, 4, 402, 4, 1)};
+    c.mips = {{2, 2, 1, "", 1, 4}, {4, 4, 2, "", 5, 4}};
+    EXPECT_EQ(ids_on_port(c, 1, 4), (std::set<std::uint32_t>{7, 100, 101, 200}));
+    EXPECT_EQ(ids_on_port(c, 1, 5), (std::set<std::uint32_t>{400, 401}));
+    EXPECT_EQ(ids_on_port(c, 9, 9), std::set<std::uint32_t>{});
+}
+
+// The ports through which a MEP loads a slot, and the units per port.
+TEST(TarvctlQueries, ResourceUnitsOfAMep) {
+    struct Row {
+        std::uint8_t mep_slot, mep_port;
+        LagMembers members;
+        std::uint8_t slot;
+        std::uint32_t ports;
+    };
+    const Row rows[] = {
+        {1, 3, {}, 1, 1},
+        {1, 3, {}, 4, 0},
+        {2, 5, {}, 2, 0},                                 // a LAG without members, never physical slot 2
+        {2, 5, {{2, 5}}, 2, 1},                           // a member on slot 2 counts
+        {2, 5, {{1, 1}, {4, 1}, {1, 2}}, 1, 2},
+        {2, 5, {{1, 0}, {0, 1}, {1, 7}}, 1, 1},           // empty entries skipped
+        {2, 5, LagMembers(9, {1, 1}), 1, 9},
+        {2, 5, {{1, 1}, {4, 1}}, 3, 0},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(ports_on_slot(mep_on(1, 1, 1, 100, r.mep_slot, r.mep_port), r.members, r.slot), r.ports)
+            << int{r.mep_slot} << "/" << int{r.mep_port} << " on slot " << int{r.slot};
+    EXPECT_EQ(mep_weight(1), 1u);
+    EXPECT_EQ(mep_weight(2), 3u);
+    EXPECT_EQ(mep_weight(3), 1u);
 }
 
 // ------------------------------------------------------------ watch

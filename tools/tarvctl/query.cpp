@@ -17,6 +17,7 @@
 #include "commands.h"
 #include "objects.h"
 #include "platform/prtm.h"
+#include "query.h"
 #include "records.h"
 #include "status.h"
 #include "style.h"
@@ -97,24 +98,6 @@ std::string points_text(const Configuration& c, std::uint8_t slot, std::uint8_t 
         if (m.slot == slot && m.port == port)
             points.push_back(fmt::format("MIP {} (MA {})", path_text({m.md, m.ma, m.mip}), path_text({m.md, m.ma})));
     return points.empty() ? "no MEP or MIP in the region" : fmt::format("{}", fmt::join(points, ", "));
-}
-
-// The ids worth asking about on a port: those of its MEPs, and those of the
-// components of the MAs its MEPs and MIPs belong to.
-std::set<std::uint32_t> ids_on_port(const Configuration& c, std::uint8_t slot, std::uint8_t port) {
-    std::set<std::uint32_t> ids;
-    auto add_ma = [&](std::uint32_t md, std::uint32_t ma) {
-        for (const MaComp* comp : c.comps_of(md, ma))
-            if (comp->vid != 0) ids.insert(comp->vid);
-    };
-    for (const Mep& m : c.meps)
-        if (m.slot == slot && m.port == port) {
-            if (m.vid != 0) ids.insert(m.vid);
-            add_ma(m.md, m.ma);
-        }
-    for (const Mip& m : c.mips)
-        if (m.slot == slot && m.port == port) add_ma(m.md, m.ma);
-    return ids;
 }
 
 struct PortArgs {
@@ -297,16 +280,16 @@ int switch_wide(const Options& options, bool vfi, const std::string& text, bool 
 }
 
 // The members of a LAG as the host platform's port library gives them.
-std::vector<std::pair<std::uint8_t, std::uint8_t>> lag_members(std::uint8_t lag) {
+LagMembers lag_members(std::uint8_t lag) {
     std::array<std::uint8_t, PRTM_LAG_PORT_LIST_SIZE> list{};
     Prtm__LagGetLagPortList(lag, list.data());
-    std::vector<std::pair<std::uint8_t, std::uint8_t>> members;
+    LagMembers members;
     const std::size_t count = std::min<std::size_t>(list[0], (list.size() - 1) / 2);
     for (std::size_t k = 0; k < count; ++k) members.emplace_back(list[1 + 2 * k], list[2 + 2 * k]);
     return members;
 }
 
-std::string members_text(const std::vector<std::pair<std::uint8_t, std::uint8_t>>& members) {
+std::string members_text(const LagMembers& members) {
     std::vector<std::string> texts;
     for (const auto& [slot, port] : members) texts.push_back(path_text({slot, port}));
     return texts.empty() ? "none" : fmt::format("{}", fmt::join(texts, ", "));
@@ -338,32 +321,23 @@ int lag(const Options& options, const std::string& text, bool json) {
     return used ? kExitOk : kExitFindings;
 }
 
-// A MEP's resource units on a slot, counted as the library counts them: 3
-// for a MEP whose MA has CCM period 2, else 1; a MEP on a LAG once for each
-// member port on the slot.
+// Whether a slot can take one more MEP, with the units each MEP puts on it.
 int slot(const Options& options, const std::string& text, std::int32_t ccm_period, bool json) {
     const auto at = static_cast<std::uint8_t>(parse_number(text, 0, 255, "SLOT"));
     const DataRegion region = DataRegion::attach(options);
     const Configuration c = Configuration::read();
     const bool fits = Tarv__MepResourcesAvailableOnSlot(at, ccm_period) != 0;
     constexpr std::uint32_t kLimit = 1000;
-    auto weight = [](std::uint32_t period) { return period == 2 ? 3u : 1u; };
 
     Table t({"MEP", "PORT", "CCM PERIOD", "PORTS ON THE SLOT", "UNITS"});
     Json meps = Json::array();
     std::uint32_t total = 0;
     for (const Mep& m : c.meps) {
-        std::uint32_t ports = 0;
-        if (m.slot == kLagSlot) {
-            for (const auto& [slot, port] : lag_members(m.port))
-                if (slot != 0 && slot == at && port != 0) ++ports;
-        } else if (m.slot == at) {
-            ports = 1;
-        }
+        const std::uint32_t ports = ports_on_slot(m, m.slot == kLagSlot ? lag_members(m.port) : LagMembers{}, at);
         if (ports == 0) continue;
         const Ma* ma = c.find_ma(m.md, m.ma);
-        const std::uint32_t period = ma != nullptr ? ma->ccm_period : 0;
-        const std::uint32_t units = ports * weight(period);
+        const std::uint32_t period = ma != nullptr ? ma->ccm_period : 0;  // the library's weight without its MA
+        const std::uint32_t units = ports * mep_weight(period);
         total += units;
         t.add({path_text({m.md, m.ma, m.mep}), port_text(m.slot, m.port),
                ma != nullptr ? std::to_string(period) : "no MA", std::to_string(ports), std::to_string(units)});
@@ -374,7 +348,7 @@ int slot(const Options& options, const std::string& text, std::int32_t ccm_perio
                         {"ports", ports},
                         {"units", units}});
     }
-    const std::uint32_t added = weight(static_cast<std::uint32_t>(ccm_period));
+    const std::uint32_t added = mep_weight(static_cast<std::uint32_t>(ccm_period));
     if (json) {
         print_json({{"slot", at},
                     {"ccmPeriod", ccm_period},
@@ -398,6 +372,30 @@ int slot(const Options& options, const std::string& text, std::int32_t ccm_perio
 constexpr char kAnswerNote[] = "Exit status 0 when OAM uses it, 1 when not.";
 
 }  // namespace
+
+std::set<std::uint32_t> ids_on_port(const Configuration& c, std::uint8_t slot, std::uint8_t port) {
+    std::set<std::uint32_t> ids;
+    auto add_ma = [&](std::uint32_t md, std::uint32_t ma) {
+        for (const MaComp* comp : c.comps_of(md, ma))
+            if (comp->vid != 0) ids.insert(comp->vid);
+    };
+    for (const Mep& m : c.meps)
+        if (m.slot == slot && m.port == port) {
+            if (m.vid != 0) ids.insert(m.vid);
+            add_ma(m.md, m.ma);
+        }
+    for (const Mip& m : c.mips)
+        if (m.slot == slot && m.port == port) add_ma(m.md, m.ma);
+    return ids;
+}
+
+std::uint32_t ports_on_slot(const Mep& m, const LagMembers& members, std::uint8_t slot) {
+    if (m.slot != kLagSlot) return m.slot == slot ? 1 : 0;
+    std::uint32_t ports = 0;
+    for (const auto& [member_slot, member_port] : members)
+        if (member_slot != 0 && member_slot == slot && member_port != 0) ++ports;
+    return ports;
+}
 
 void add_queries(CLI::App& app, const Options& options, Commands& commands) {
     auto pa = std::make_shared<PortArgs>();

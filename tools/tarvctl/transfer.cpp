@@ -86,6 +86,17 @@ std::vector<TransferEntry> parse_json(const ClassDef& c, const std::string& text
 
 }  // namespace
 
+std::string hex_line(const ClassDef& c, Bytes key, Bytes record) {
+    return c.key > 0 ? hex(key) + " " + hex(record) : hex(record);
+}
+
+Json object_json(const ClassDef& c, Bytes key, Bytes record) {
+    Json j = Json::object();
+    if (c.key > 0) j["key"] = key_json(c, key);
+    j["record"] = record_json(c, record);
+    return j;
+}
+
 std::vector<TransferEntry> parse_transfer(const ClassDef& c, const std::string& text, const std::string& path) {
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     const bool json = first != std::string::npos && (text[first] == '{' || text[first] == '[');

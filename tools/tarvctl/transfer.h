@@ -12,7 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "bytes.h"
 #include "classes.h"
+#include "records.h"
 
 namespace tarvctl {
 
@@ -21,6 +23,10 @@ struct TransferEntry {
     std::vector<std::uint8_t> key;
     std::vector<std::uint8_t> record;
 };
+
+// One object as `get` prints it: its hex line (no newline), or its JSON.
+[[nodiscard]] std::string hex_line(const ClassDef& c, Bytes key, Bytes record);
+[[nodiscard]] Json object_json(const ClassDef& c, Bytes key, Bytes record);
 
 // The objects of `text`: JSON when it starts with '{' or '[', hex lines
 // otherwise. Throws a usage error naming `path` and the line or record.
