@@ -44,20 +44,6 @@ TransferList TransferList::read(const ClassDef& c) {
 
 namespace {
 
-Mep decode_mep(const TARV_MOID& moid, Bytes r) {
-    using namespace field;
-    return Mep{moid.lId1,
-               moid.lId2,
-               moid.lId3,
-               static_cast<std::uint16_t>(value(r, wMepId)),
-               value(r, eDirection),
-               static_cast<std::uint16_t>(value(r, wMepVid)),
-               mac(bytes(r, abyMepMac)),
-               static_cast<std::uint8_t>(value(r, byMepSlot)),
-               static_cast<std::uint8_t>(value(r, byMepPort)),
-               static_cast<std::uint16_t>(value(r, wAlarmBits))};
-}
-
 // The identifiers of a key in the region, whose bytes are little-endian
 // whatever the host.
 std::array<std::uint32_t, 4> ids_of(const void* key, std::size_t count) {
@@ -67,6 +53,20 @@ std::array<std::uint32_t, 4> ids_of(const void* key, std::size_t count) {
     return ids;
 }
 
+Mep decode_mep(const std::array<std::uint32_t, 4>& id, Bytes r) {
+    using namespace field;
+    return Mep{id[0],
+               id[1],
+               id[2],
+               static_cast<std::uint16_t>(value(r, wMepId)),
+               value(r, eDirection),
+               static_cast<std::uint16_t>(value(r, wMepVid)),
+               mac(bytes(r, abyMepMac)),
+               static_cast<std::uint8_t>(value(r, byMepSlot)),
+               static_cast<std::uint8_t>(value(r, byMepPort)),
+               static_cast<std::uint16_t>(value(r, wAlarmBits))};
+}
+
 // Every MEP the iterator walks, read by its MOID.
 std::vector<Mep> read_meps() {
     std::vector<Mep> meps;
@@ -74,9 +74,7 @@ std::vector<Mep> read_meps() {
         const TARV_MOID moid = *p;
         std::array<std::uint8_t, TARV_MEP_RECORD_SIZE> record{};
         Tarv__ReadMEP(moid, record.data());
-        const auto ids = ids_of(&moid, 3);
-        meps.push_back(decode_mep(TARV_MOID{le16(reinterpret_cast<const std::uint8_t*>(&moid)), ids[0], ids[1], ids[2]},
-                                  record));
+        meps.push_back(decode_mep(ids_of(&moid, 3), record));
     }
     return meps;
 }

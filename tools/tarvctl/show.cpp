@@ -1,7 +1,6 @@
 // tarvctl show [VIEW] [--json]: what the region holds, as the library reads
 // it, in aligned tables or JSON.
 #include <fmt/format.h>
-
 #include <fmt/ranges.h>
 
 #include <algorithm>
@@ -325,11 +324,7 @@ std::vector<std::string> tree_mep(const Configuration& c, const Mep& m) {
             m.mac};
 }
 
-void tree_text(const Configuration& c) { print_tree(c); }
-
-}  // namespace
-
-void print_tree(const Configuration& c) {
+void tree_text(const Configuration& c) {
     // One table for every MEP keeps the columns aligned across MAs.
     Table meps({"", "", "", "", "", ""});
     for (const Mep& m : c.meps) meps.add(tree_mep(c, m));
@@ -362,8 +357,6 @@ void print_tree(const Configuration& c) {
     if (!c.mds.empty() || !outside.empty()) fmt::print("\n");
     fmt::print("{}\n", summary(c));
 }
-
-namespace {
 
 Json tree_json(const Configuration& c) {
     return {{"mds", mds_json(c)},   {"mas", mas_json(c)}, {"meps", meps_json(c)}, {"mips", mips_json(c)},
@@ -423,6 +416,8 @@ int show_chkp(const Options& options, bool json) {
 }
 
 }  // namespace
+
+void print_tree(const Configuration& c) { tree_text(c); }
 
 std::vector<std::string> alarm_changes(std::string_view name, std::uint16_t before, std::uint16_t now) {
     std::vector<std::string> lines;
