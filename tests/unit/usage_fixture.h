@@ -1,6 +1,6 @@
 // Arrangement of the usage query tests: an attached region with every trace
 // recorded, builders for MEPs, MIPs, MA components and MaNets, and table rows
-// of "call, result, trace lines".
+// of "call, result, trace lines" (as traced(true) writes them).
 #ifndef TARV_TESTS_USAGE_FIXTURE_H
 #define TARV_TESTS_USAGE_FIXTURE_H
 
@@ -25,19 +25,8 @@ struct Point {
     std::uint32_t direction = mep::kDown;  // MEPs; the tagging of a component
 };
 
-// Every trace as one line: "D5 Function: text" for debug traces, "E1/3
-// Function: text" for errors (level/code).
-inline std::vector<std::string> trace_lines() {
-    std::vector<std::string> out;
-    for (const TraceRecord& t : fake().traces) {
-        const std::string kind = t.kind == TraceKind::Debug ? "D" : t.kind == TraceKind::Error ? "E" : "W";
-        const std::string code = t.kind == TraceKind::Debug ? "" : "/" + std::to_string(t.code);
-        out.push_back(kind + std::to_string(t.level) + code + " " + t.function + ": " + t.text);
-    }
-    return out;
-}
 inline std::string d5(const char* function, const std::string& text) {
-    return "D5 " + std::string(function) + ": " + text;
+    return "5 " + std::string(function) + ": " + text;
 }
 
 // One call of a table: the call as written, its result and its traces. A
@@ -53,15 +42,8 @@ struct Call {
     Call { #function #args, #function, [] { return static_cast<std::int64_t>(function args); }, result, {__VA_ARGS__} }
 inline void PrintTo(const Call& c, std::ostream* os) { *os << c.text; }
 
-class UsageTest : public RegionTest {
+class UsageTest : public AttachedTest {
 protected:
-    void SetUp() override {
-        RegionTest::SetUp();
-        attach();
-        fake().set_debug_level(7);
-        fake().set_module_level(1);
-    }
-
     // A point or component in slot `at` of its tables; lists fill slots 0, 1, ...
     void mep(std::uint32_t at, const Point& p) {
         put_key(Table::MepMoidArray, at, key_bytes(p.cls, {p.md, p.ma, p.id}));
@@ -92,16 +74,13 @@ protected:
         set(this->at(Table::MaNetDataArray, at), manet::dwCcmPeriod, period);
     }
 
-    using RegionTest::bytes_of;
-    static std::vector<std::uint8_t> bytes_of(const GuardedBytes& b) { return {b.data(), b.data() + b.size()}; }
-
     void check(const Call& c) {
         fake().traces.clear();
         EXPECT_EQ(c.call(), c.result);
         std::vector<std::string> want;
         for (const std::string& t : c.traces)
-            want.push_back(t.rfind("D5 ", 0) == 0 || t.rfind("E1/", 0) == 0 ? t : d5(c.function, t));
-        EXPECT_EQ(trace_lines(), want);
+            want.push_back(t.rfind("5 ", 0) == 0 || t.rfind("1/", 0) == 0 ? t : d5(c.function, t));
+        EXPECT_EQ(traced(true), want);
     }
 };
 

@@ -15,7 +15,7 @@ std::array<std::uint8_t, 20> lag_list(std::uint8_t count, std::vector<std::uint8
     return list;
 }
 const std::string kNoMaNet =
-    "E1/3 Tarv__ReadMANet: Tarv__ReadMANet() : Unable to read MaNet - can't find specified MOID: Class 574 Md 1 MaNet ";
+    "1/3 Tarv__ReadMANet: Tarv__ReadMANet() : Unable to read MaNet - can't find specified MOID: Class 574 Md 1 MaNet ";
 
 // Tarv__IsOamEnabledOnLagOpt: the first point on the LAG gives the period.
 struct LagCase {
@@ -40,7 +40,7 @@ TEST_P(LagOpt, FirstPointGivesThePeriod) {
 
     EXPECT_EQ(Tarv__IsOamEnabledOnLagOpt(c.lag, &period), c.result);
     EXPECT_EQ(period, c.period);
-    EXPECT_EQ(trace_lines(), c.traces);
+    EXPECT_EQ(traced(true), c.traces);
 }
 
 std::string lag(const std::string& text) { return d5("Tarv__IsOamEnabledOnLagOpt", text); }
@@ -68,7 +68,7 @@ TEST_F(UsageTest, SlotCheckWalksTheRegionAsItChanges) {
     mip(0, {575, 1, 8, 1, 2, 7});
     std::vector<std::string> before_members;
     fake().on_lag_request = [&](std::uint32_t) {
-        before_members = trace_lines();
+        before_members = traced(true);
         std::memset(at(Table::MepMoidArray, 3), 0, 14);
         mep(5, {532, 1, 9, 6, 4, 2});
     };
@@ -77,7 +77,7 @@ TEST_F(UsageTest, SlotCheckWalksTheRegionAsItChanges) {
 
     EXPECT_EQ(fake().lag_requests, std::vector<std::uint32_t>{5});
     EXPECT_EQ(before_members, std::vector{kNoMaNet + "5"});
-    EXPECT_EQ(trace_lines(), (std::vector{kNoMaNet + "5", kNoMaNet + "9"}));
+    EXPECT_EQ(traced(true), (std::vector{kNoMaNet + "5", kNoMaNet + "9"}));
 }
 
 // A walk as the controller's rewrites can make it: the MEP slots handed out
