@@ -44,31 +44,25 @@ inline void PrintTo(const Call& c, std::ostream* os) { *os << c.text; }
 
 class UsageTest : public AttachedTest {
 protected:
-    // A point or component in slot `at` of its tables; lists fill slots 0, 1, ...
-    void mep(std::uint32_t at, const Point& p) {
-        put_key(Table::MepMoidArray, at, key_bytes(p.cls, {p.md, p.ma, p.id}));
-        std::uint8_t* r = this->at(Table::MepDataArray, at);
-        set(r, mep::bySlot, p.slot), set(r, mep::byPort, p.port), set(r, mep::wVid, p.vid);
-        set(r, mep::eDirection, p.direction);
+    // Points or components in slots at, at + 1, ... of their tables.
+    template <typename Record>
+    void put(Table keys, Table data, std::initializer_list<Point> points, std::uint32_t at, Record record) {
+        for (const Point& p : points) put_key(keys, at, key_bytes(p.cls, {p.md, p.ma, p.id})), record(this->at(data, at++), p);
     }
-    void mip(std::uint32_t at, const Point& p) {
-        put_key(Table::MipMoidArray, at, key_bytes(p.cls, {p.md, p.ma, p.id}));
-        std::uint8_t* r = this->at(Table::MipDataArray, at);
-        set(r, mip::bySlot, p.slot), set(r, mip::byPort, p.port);
+    void meps(std::initializer_list<Point> points, std::uint32_t at = 0) {
+        put(Table::MepMoidArray, Table::MepDataArray, points, at, [](std::uint8_t* r, const Point& p) {
+            set(r, mep::bySlot, p.slot), set(r, mep::byPort, p.port), set(r, mep::wVid, p.vid);
+            set(r, mep::eDirection, p.direction);
+        });
     }
-    void component(std::uint32_t at, const Point& p) {  // VLAN p.vid, tagging p.direction
-        put_key(Table::MACompMoidArray, at, key_bytes(p.cls, {p.md, p.ma, p.id}));
-        set(this->at(Table::MACompDataArray, at), macomp::eTagging, p.direction);
-        set(this->at(Table::MACompDataArray, at), macomp::wVid, p.vid);
+    void mips(std::initializer_list<Point> points, std::uint32_t at = 0) {
+        put(Table::MipMoidArray, Table::MipDataArray, points, at,
+            [](std::uint8_t* r, const Point& p) { set(r, mip::bySlot, p.slot), set(r, mip::byPort, p.port); });
     }
-    template <typename Put>
-    void fill(Put put, std::initializer_list<Point> points) {
-        std::uint32_t at = 0;
-        for (const Point& p : points) (this->*put)(at++, p);
+    void components(std::initializer_list<Point> points) {  // VLAN p.vid, tagging p.direction
+        put(Table::MACompMoidArray, Table::MACompDataArray, points, 0,
+            [](std::uint8_t* r, const Point& p) { set(r, macomp::eTagging, p.direction), set(r, macomp::wVid, p.vid); });
     }
-    void meps(std::initializer_list<Point> points) { fill(&UsageTest::mep, points); }
-    void mips(std::initializer_list<Point> points) { fill(&UsageTest::mip, points); }
-    void components(std::initializer_list<Point> points) { fill(&UsageTest::component, points); }
     void manet(std::uint32_t at, std::uint32_t md, std::uint32_t ma, std::uint32_t period) {
         put_key(Table::MaNetMoidArray, at, key_bytes(TARV_CLASS_MANET, {md, ma}));
         set(this->at(Table::MaNetDataArray, at), manet::dwCcmPeriod, period);
