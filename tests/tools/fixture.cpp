@@ -22,6 +22,12 @@ namespace {
 
 using tarv::Table;
 
+bool save(const std::string& path, const std::vector<std::uint8_t>& bytes) {
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    const bool ok = f != nullptr && std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
+    return f != nullptr && std::fclose(f) == 0 && ok;
+}
+
 class Region {
 public:
     Region() : bytes_(tarv::kRegionSize) {}
@@ -54,11 +60,7 @@ public:
         std::memcpy(at(t, slot) + offset, std::data(bytes), bytes.size());
     }
 
-    bool save(const std::string& path) const {
-        std::FILE* f = std::fopen(path.c_str(), "wb");
-        const bool ok = f != nullptr && std::fwrite(bytes_.data(), 1, bytes_.size(), f) == bytes_.size();
-        return f != nullptr && std::fclose(f) == 0 && ok;
-    }
+    bool save(const std::string& path) const { return ::save(path, bytes_); }
     bool load(const std::string& path) {
         std::FILE* f = std::fopen(path.c_str(), "rb");
         const bool ok = f != nullptr && std::fread(bytes_.data(), 1, bytes_.size(), f) == bytes_.size();
@@ -182,12 +184,9 @@ int main(int argc, char** argv) {
     }
     const std::string dir = argv[1];
     Region demo;
-    bool ok = demo.load(dir + "/demo.bin") && Region().save(dir + "/empty.bin") &&
-              demo2(demo).save(dir + "/demo2.bin") && faults(demo).save(dir + "/faults.bin");
-    std::FILE* f = std::fopen((dir + "/short.bin").c_str(), "wb");
-    const std::vector<std::uint8_t> short_file(1000);
-    ok = ok && f != nullptr && std::fwrite(short_file.data(), 1, short_file.size(), f) == short_file.size();
-    if (f != nullptr) ok = std::fclose(f) == 0 && ok;
+    const bool ok = demo.load(dir + "/demo.bin") && Region().save(dir + "/empty.bin") &&
+                    demo2(demo).save(dir + "/demo2.bin") && faults(demo).save(dir + "/faults.bin") &&
+                    save(dir + "/short.bin", std::vector<std::uint8_t>(1000));
     if (!ok) std::perror("tarvctl_fixture");
     return ok ? 0 : 1;
 }

@@ -27,7 +27,7 @@ protected:
 using RangeFinders = Calls<Finders>;
 TEST_P(RangeFinders, AnswersAndTraces) { check(GetParam()); }
 
-const std::string kNoVfiParent = "E1/0 Tarv__IsEndpointVfi: MEP exists without it's parent MAComp\n";
+const std::string kNoVfiParent = "1/0 Tarv__IsEndpointVfi: MEP exists without it's parent MAComp\n";
 const std::vector<Call> kRanges = {
     CALL(Tarv__FindMepOnPort, (1, 4, 10, 10), 0, "vlan: 10 is in use by a MEP"),
     CALL(Tarv__FindMepOnPort, (1, 4, 11, 4094), 1),
@@ -65,25 +65,23 @@ class HandOutFinders : public Finders, public ::testing::WithParamInterface<Hand
 
 TEST_P(HandOutFinders, WriteOnlyOnAHit) {
     const HandOut& h = GetParam();
-    GuardedBytes moid(14), record(h.mip ? 14 : 48);
-    moid.fill(0xEE);
-    record.fill(0xEE);
+    const auto moid = guarded(14), record = guarded(h.mip ? 14 : 48);
     std::int32_t index = h.start;
-    auto* m = reinterpret_cast<TARV_MOID*>(moid.data());
+    auto* m = reinterpret_cast<TARV_MOID*>(moid->data());
     fake().traces.clear();
 
-    EXPECT_EQ(h.mip ? Tarv__DoesMipExistOnCVlanPort(1, h.port, h.vid, m, record.data())
-                    : Tarv__FindDownMepFromSomeWhereOnCVlanPort(1, h.port, h.vid, &index, m, record.data()),
+    EXPECT_EQ(h.mip ? Tarv__DoesMipExistOnCVlanPort(1, h.port, h.vid, m, record->data())
+                    : Tarv__FindDownMepFromSomeWhereOnCVlanPort(1, h.port, h.vid, &index, m, record->data()),
               h.result);
 
     const char* function = h.mip ? "Tarv__DoesMipExistOnCVlanPort" : "Tarv__FindDownMepFromSomeWhereOnCVlanPort";
-    EXPECT_EQ(trace_lines(), *h.trace ? std::vector{d5(function, h.trace)} : std::vector<std::string>{});
-    const auto slot = static_cast<std::uint32_t>(h.slot);
-    const auto untouched = [](std::size_t n) { return std::vector<std::uint8_t>(n, 0xEE); };
-    EXPECT_EQ(bytes_of(moid), h.result ? bytes_of(h.mip ? Table::MipMoidArray : Table::MepMoidArray, slot)
-                                       : untouched(14));
-    EXPECT_EQ(bytes_of(record), h.result ? bytes_of(h.mip ? Table::MipDataArray : Table::MepDataArray, slot)
-                                         : untouched(record.size()));
+    EXPECT_EQ(traced(true), *h.trace ? std::vector{d5(function, h.trace)} : std::vector<std::string>{});
+    const auto hand_out = [&](const GuardedBytes& out, Table from) {
+        const auto slot = static_cast<std::uint32_t>(h.slot);
+        EXPECT_EQ(contents(out), h.result ? bytes_of(from, slot) : Bytes(out.size(), 0xEE));
+    };
+    hand_out(*moid, h.mip ? Table::MipMoidArray : Table::MepMoidArray);
+    hand_out(*record, h.mip ? Table::MipDataArray : Table::MepDataArray);
     EXPECT_EQ(index, h.mip ? h.start : h.slot);
 }
 

@@ -1,6 +1,6 @@
 // Arrangement of the usage query tests: an attached region with every trace
 // recorded, builders for MEPs, MIPs, MA components and MaNets, and table rows
-// of "call, result, trace lines".
+// of "call, result, trace lines" (as traced(true) writes them).
 #ifndef TARV_TESTS_USAGE_FIXTURE_H
 #define TARV_TESTS_USAGE_FIXTURE_H
 
@@ -25,19 +25,8 @@ struct Point {
     std::uint32_t direction = mep::kDown;  // MEPs; the tagging of a component
 };
 
-// Every trace as one line: "D5 Function: text" for debug traces, "E1/3
-// Function: text" for errors (level/code).
-inline std::vector<std::string> trace_lines() {
-    std::vector<std::string> out;
-    for (const TraceRecord& t : fake().traces) {
-        const std::string kind = t.kind == TraceKind::Debug ? "D" : t.kind == TraceKind::Error ? "E" : "W";
-        const std::string code = t.kind == TraceKind::Debug ? "" : "/" + std::to_string(t.code);
-        out.push_back(kind + std::to_string(t.level) + code + " " + t.function + ": " + t.text);
-    }
-    return out;
-}
 inline std::string d5(const char* function, const std::string& text) {
-    return "D5 " + std::string(function) + ": " + text;
+    return "5 " + std::string(function) + ": " + text;
 }
 
 // One call of a table: the call as written, its result and its traces. A
@@ -53,55 +42,39 @@ struct Call {
     Call { #function #args, #function, [] { return static_cast<std::int64_t>(function args); }, result, {__VA_ARGS__} }
 inline void PrintTo(const Call& c, std::ostream* os) { *os << c.text; }
 
-class UsageTest : public RegionTest {
+class UsageTest : public AttachedTest {
 protected:
-    void SetUp() override {
-        RegionTest::SetUp();
-        attach();
-        fake().set_debug_level(7);
-        fake().set_module_level(1);
+    // Points or components in slots at, at + 1, ... of their tables.
+    template <typename Record>
+    void put(Table keys, Table data, std::initializer_list<Point> points, std::uint32_t at, Record record) {
+        for (const Point& p : points) put_key(keys, at, key_bytes(p.cls, {p.md, p.ma, p.id})), record(this->at(data, at++), p);
     }
-
-    // A point or component in slot `at` of its tables; lists fill slots 0, 1, ...
-    void mep(std::uint32_t at, const Point& p) {
-        put_key(Table::MepMoidArray, at, key_bytes(p.cls, {p.md, p.ma, p.id}));
-        std::uint8_t* r = this->at(Table::MepDataArray, at);
-        set(r, mep::bySlot, p.slot), set(r, mep::byPort, p.port), set(r, mep::wVid, p.vid);
-        set(r, mep::eDirection, p.direction);
+    void meps(std::initializer_list<Point> points, std::uint32_t at = 0) {
+        put(Table::MepMoidArray, Table::MepDataArray, points, at, [](std::uint8_t* r, const Point& p) {
+            set(r, mep::bySlot, p.slot), set(r, mep::byPort, p.port), set(r, mep::wVid, p.vid);
+            set(r, mep::eDirection, p.direction);
+        });
     }
-    void mip(std::uint32_t at, const Point& p) {
-        put_key(Table::MipMoidArray, at, key_bytes(p.cls, {p.md, p.ma, p.id}));
-        std::uint8_t* r = this->at(Table::MipDataArray, at);
-        set(r, mip::bySlot, p.slot), set(r, mip::byPort, p.port);
+    void mips(std::initializer_list<Point> points, std::uint32_t at = 0) {
+        put(Table::MipMoidArray, Table::MipDataArray, points, at,
+            [](std::uint8_t* r, const Point& p) { set(r, mip::bySlot, p.slot), set(r, mip::byPort, p.port); });
     }
-    void component(std::uint32_t at, const Point& p) {  // VLAN p.vid, tagging p.direction
-        put_key(Table::MACompMoidArray, at, key_bytes(p.cls, {p.md, p.ma, p.id}));
-        set(this->at(Table::MACompDataArray, at), macomp::eTagging, p.direction);
-        set(this->at(Table::MACompDataArray, at), macomp::wVid, p.vid);
+    void components(std::initializer_list<Point> points) {  // VLAN p.vid, tagging p.direction
+        put(Table::MACompMoidArray, Table::MACompDataArray, points, 0,
+            [](std::uint8_t* r, const Point& p) { set(r, macomp::eTagging, p.direction), set(r, macomp::wVid, p.vid); });
     }
-    template <typename Put>
-    void fill(Put put, std::initializer_list<Point> points) {
-        std::uint32_t at = 0;
-        for (const Point& p : points) (this->*put)(at++, p);
-    }
-    void meps(std::initializer_list<Point> points) { fill(&UsageTest::mep, points); }
-    void mips(std::initializer_list<Point> points) { fill(&UsageTest::mip, points); }
-    void components(std::initializer_list<Point> points) { fill(&UsageTest::component, points); }
     void manet(std::uint32_t at, std::uint32_t md, std::uint32_t ma, std::uint32_t period) {
         put_key(Table::MaNetMoidArray, at, key_bytes(TARV_CLASS_MANET, {md, ma}));
         set(this->at(Table::MaNetDataArray, at), manet::dwCcmPeriod, period);
     }
-
-    using RegionTest::bytes_of;
-    static std::vector<std::uint8_t> bytes_of(const GuardedBytes& b) { return {b.data(), b.data() + b.size()}; }
 
     void check(const Call& c) {
         fake().traces.clear();
         EXPECT_EQ(c.call(), c.result);
         std::vector<std::string> want;
         for (const std::string& t : c.traces)
-            want.push_back(t.rfind("D5 ", 0) == 0 || t.rfind("E1/", 0) == 0 ? t : d5(c.function, t));
-        EXPECT_EQ(trace_lines(), want);
+            want.push_back(t.rfind("5 ", 0) == 0 || t.rfind("1/", 0) == 0 ? t : d5(c.function, t));
+        EXPECT_EQ(traced(true), want);
     }
 };
 

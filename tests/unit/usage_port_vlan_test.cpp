@@ -72,7 +72,7 @@ TEST_P(VlanCalls, AnswersAndTraces) { check(GetParam()); }
 std::string mip_s(const char* text) { return d5("Tarv__IsOamEnabledOnMIPPortSVlan", text); }
 std::string mip_c(const char* text) { return d5("Tarv__IsOamEnabledOnMIPPortCVlan", text); }
 std::string no_parent(const char* test) {
-    return "E1/0 " + std::string(test) + ": MEP exists without it's parent MAComp\n";
+    return "1/0 " + std::string(test) + ": MEP exists without it's parent MAComp\n";
 }
 
 const std::vector<Call> kVlanUse = {
@@ -145,8 +145,8 @@ TEST_P(Detached, AnswersNothingFound) {
     fake().set_module_level(1);
     fake().set_debug_level(7);
     EXPECT_EQ(GetParam().call(), GetParam().result);
-    const std::string attach = "E1/12 " + std::string(GetParam().function) + ": KELM_SHARED_DATA";
-    EXPECT_EQ(trace_lines(), GetParam().traces.empty() ? std::vector<std::string>{} : std::vector{attach});
+    const std::string attach = "1/12 " + std::string(GetParam().function) + ": KELM_SHARED_DATA";
+    EXPECT_EQ(traced(true), GetParam().traces.empty() ? std::vector<std::string>{} : std::vector{attach});
     EXPECT_EQ(std::vector<std::uint8_t>(g_out, g_out + 64), std::vector<std::uint8_t>(64, 0xEE));
     EXPECT_EQ(g_index, 0);
     EXPECT_EQ(g_period, 0xDEADBEEF);

@@ -15,69 +15,64 @@ std::array<std::uint8_t, 20> lag_list(std::uint8_t count, std::vector<std::uint8
     return list;
 }
 const std::string kNoMaNet =
-    "E1/3 Tarv__ReadMANet: Tarv__ReadMANet() : Unable to read MaNet - can't find specified MOID: Class 574 Md 1 MaNet ";
+    "1/3 Tarv__ReadMANet: Tarv__ReadMANet() : Unable to read MaNet - can't find specified MOID: Class 574 Md 1 MaNet ";
 
 // Tarv__IsOamEnabledOnLagOpt: the first point on the LAG gives the period.
-struct LagCase {
-    std::int32_t lag;
-    std::uint32_t result, period;  // period as stored, 0xDEADBEEF when untouched
-    std::vector<std::string> traces;
-};
-void PrintTo(const LagCase& c, std::ostream* os) { *os << "LAG " << c.lag; }
-class LagOpt : public UsageTest, public ::testing::WithParamInterface<LagCase> {};
-
-TEST_P(LagOpt, FirstPointGivesThePeriod) {
-    // MaNets: 1/1 and 1/2; one with every byte of its ids set; 1/5 twice, at slot 3 and at its hint slot 4.
-    manet(0, 1, 1, 2), manet(1, 1, 2, 1), manet(2, 0x0A0B0C0D, 0x01020304, 2), manet(3, 1, 5, 1), manet(4, 1, 5, 2);
-    // MEPs on LAG 5; on LAG 7 without MaNet; of class 0 on LAG 8; on LAG 9 before a MIP of another MA; on
-    // physical slot 5 port 10; on LAGs 11 and 12. MIPs on LAG 6 and 9.
-    meps({{532, 1, 1, 1, 2, 5}, {532, 1, 7, 2, 2, 7}, {0, 1, 1, 3, 2, 8}, {532, 1, 2, 4, 2, 9}, {532, 1, 1, 5, 5, 10},
-          {532, 0x0A0B0C0D, 0x01020304, 6, 2, 11}, {532, 1, 5, 7, 2, 12}});
-    mips({{575, 1, 2, 1, 2, 6}, {575, 1, 1, 2, 2, 9}});
-    const LagCase& c = GetParam();
+// lag_opt answers the result in its high half, the period it leaves (from
+// 0xDEADBEEF) in its low half.
+std::int64_t lag_opt(std::int32_t lag) {
     std::uint32_t period = 0xDEADBEEF;
-    fake().traces.clear();
-
-    EXPECT_EQ(Tarv__IsOamEnabledOnLagOpt(c.lag, &period), c.result);
-    EXPECT_EQ(period, c.period);
-    EXPECT_EQ(trace_lines(), c.traces);
+    return std::int64_t{Tarv__IsOamEnabledOnLagOpt(lag, &period)} << 32 | period;
 }
+class Lags : public UsageTest {
+protected:
+    void SetUp() override {
+        UsageTest::SetUp();
+        // MaNets: 1/1 and 1/2; one with every byte of its ids set; 1/5 twice, at slot 3 and at its hint slot 4.
+        manet(0, 1, 1, 2), manet(1, 1, 2, 1), manet(2, 0x0A0B0C0D, 0x01020304, 2), manet(3, 1, 5, 1);
+        manet(4, 1, 5, 2);
+        // MEPs on LAG 5; on LAG 7 without MaNet; of class 0 on LAG 8; on LAG 9 before a MIP of another MA; on
+        // physical slot 5 port 10; on LAGs 11 and 12. MIPs on LAG 6 and 9.
+        meps({{532, 1, 1, 1, 2, 5}, {532, 1, 7, 2, 2, 7}, {0, 1, 1, 3, 2, 8}, {532, 1, 2, 4, 2, 9},
+              {532, 1, 1, 5, 5, 10}, {532, 0x0A0B0C0D, 0x01020304, 6, 2, 11}, {532, 1, 5, 7, 2, 12}});
+        mips({{575, 1, 2, 1, 2, 6}, {575, 1, 1, 2, 2, 9}});
+    }
+};
+using LagCalls = Calls<Lags>;
+TEST_P(LagCalls, FirstPointGivesThePeriod) { check(GetParam()); }
 
 std::string lag(const std::string& text) { return d5("Tarv__IsOamEnabledOnLagOpt", text); }
-const std::vector<LagCase> kLagCases = {
-    {5, 1, 2, {lag("OAM is enabled on Lag, CCM Period = 2\n")}},
-    {6, 1, 1, {lag("OAM is enabled on Lag, CCM Period = 1\n")}},
-    {9, 1, 1, {lag("OAM is enabled on Lag, CCM Period = 1\n")}},
-    {7, 1, 0, {kNoMaNet + "7", lag("OAM is enabled on Lag, CCM Period = 0\n")}},
-    {8, 0, 0xDEADBEEF, {lag("OAM is NOT enabled on Lag 8\n")}},
-    {10, 0, 0xDEADBEEF, {lag("OAM is NOT enabled on Lag 10\n")}},
-    {11, 1, 2, {lag("OAM is enabled on Lag, CCM Period = 2\n")}},
-    {12, 1, 2, {lag("OAM is enabled on Lag, CCM Period = 2\n")}},
+const std::vector<Call> kLags = {
+    CALL(lag_opt, (5), 0x1'00000002, lag("OAM is enabled on Lag, CCM Period = 2\n")),
+    CALL(lag_opt, (6), 0x1'00000001, lag("OAM is enabled on Lag, CCM Period = 1\n")),
+    CALL(lag_opt, (9), 0x1'00000001, lag("OAM is enabled on Lag, CCM Period = 1\n")),
+    CALL(lag_opt, (7), 0x1'00000000, kNoMaNet + "7", lag("OAM is enabled on Lag, CCM Period = 0\n")),
+    CALL(lag_opt, (8), 0xDEADBEEF, lag("OAM is NOT enabled on Lag 8\n")),
+    CALL(lag_opt, (10), 0xDEADBEEF, lag("OAM is NOT enabled on Lag 10\n")),
+    CALL(lag_opt, (11), 0x1'00000002, lag("OAM is enabled on Lag, CCM Period = 2\n")),
+    CALL(lag_opt, (12), 0x1'00000002, lag("OAM is enabled on Lag, CCM Period = 2\n")),
 };
-INSTANTIATE_TEST_SUITE_P(Usage, LagOpt, ::testing::ValuesIn(kLagCases));
+INSTANTIATE_TEST_SUITE_P(Usage, LagCalls, ::testing::ValuesIn(kLags));
 
 // Tarv__MepResourcesAvailableOnSlot walks the region as it changes between two
 // iterator steps, reads a LAG MEP's MaNet before asking for its members, and
 // reads MaNets only for the MEPs that load the slot (MIPs load none).
 TEST_F(UsageTest, SlotCheckWalksTheRegionAsItChanges) {
     // No MaNet anywhere. MEPs on LAG 5, on slot 4 (removed while LAG 5 is asked for), on slot 6, stale.
-    mep(0, {532, 1, 5, 1, 2, 5});
-    mep(3, {532, 1, 6, 4, 4, 1});
-    mep(7, {532, 1, 7, 8, 6, 1});
-    mep(10, {0, 0, 0, 0, 4, 1});
-    mip(0, {575, 1, 8, 1, 2, 7});
+    meps({{532, 1, 5, 1, 2, 5}}), meps({{532, 1, 6, 4, 4, 1}}, 3), meps({{532, 1, 7, 8, 6, 1}}, 7);
+    meps({{0, 0, 0, 0, 4, 1}}, 10), mips({{575, 1, 8, 1, 2, 7}});
     std::vector<std::string> before_members;
     fake().on_lag_request = [&](std::uint32_t) {
-        before_members = trace_lines();
+        before_members = traced(true);
         std::memset(at(Table::MepMoidArray, 3), 0, 14);
-        mep(5, {532, 1, 9, 6, 4, 2});
+        meps({{532, 1, 9, 6, 4, 2}}, 5);
     };
 
     EXPECT_EQ(Tarv__MepResourcesAvailableOnSlot(4, 2), 1);
 
     EXPECT_EQ(fake().lag_requests, std::vector<std::uint32_t>{5});
     EXPECT_EQ(before_members, std::vector{kNoMaNet + "5"});
-    EXPECT_EQ(trace_lines(), (std::vector{kNoMaNet + "5", kNoMaNet + "9"}));
+    EXPECT_EQ(traced(true), (std::vector{kNoMaNet + "5", kNoMaNet + "9"}));
 }
 
 // A walk as the controller's rewrites can make it: the MEP slots handed out
