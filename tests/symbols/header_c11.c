@@ -1,5 +1,5 @@
 /* The public header compiles as strict C11. The layout of its types is
- * pinned by tests/layout. */
+ * pinned by tests/abi. */
 #include "tarv/tarv.h"
 #include "platform/platform.h"
 
