@@ -1,10 +1,11 @@
 // Shared arrangement of the isolation checks: the fake platform attached and
-// populated, traces of every level formatted but not kept, and the rows of
-// the operation table in the order both checks run them.
+// populated, traces formatted but not kept, and the rows of the operation
+// table in the order both checks run them, in every trace setting.
 #ifndef TARV_TESTS_ISOLATION_H
 #define TARV_TESTS_ISOLATION_H
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "region.h"
@@ -14,40 +15,61 @@
 namespace tarv::testing {
 
 // Attaches read-write through the fake platform (the mapping a writer uses,
-// which every reader uses too), populates the region and raises both trace
-// levels to 7 so that every trace statement runs, with nothing recorded.
-inline void attach_with_every_trace() {
+// which every reader uses too) and populates the region. Traces are counted,
+// never recorded.
+inline void attach_populated() {
     fake().reset();
     pSharedData = nullptr;
     pStorData = nullptr;
     Tarv__StorOpen();
     populate_region(pSharedData);
     fake().keep_traces = false;
-    fake().set_debug_level(7);
-    fake().set_module_level(7);
 }
 
-// One step of a run: a row, with the region attached or not.
+// How the platform's trace objects stand while the rows run: every trace
+// statement runs, none does, or the platform has no object for module 142.
+struct TraceSetting {
+    const char* name;
+    std::uint32_t level;
+    bool module_object;
+};
+inline constexpr TraceSetting kTraceSettings[] = {
+    {"every trace", 7, true},
+    {"traces off", 0, true},
+    {"no trace object", 7, false},
+};
+
+// One step of a run: a row, with the region attached or not, in a setting.
 struct Step {
     const Operation* op;
     bool attached;
+    const TraceSetting* traces;
 };
 
-// Every row attached, then every row but the attach calls detached (the
-// "not attached" answers and their traces).
+// In every trace setting: every row attached, then every row but the attach
+// calls detached (the "not attached" answers and their traces).
 inline std::vector<Step> every_step(std::span<const Operation> ops) {
     std::vector<Step> steps;
-    for (const Operation& op : ops) steps.push_back({&op, true});
-    for (const Operation& op : ops)
-        if (op.kind != OperationKind::Attach) steps.push_back({&op, false});
+    for (const TraceSetting& setting : kTraceSettings) {
+        for (const Operation& op : ops) steps.push_back({&op, true, &setting});
+        for (const Operation& op : ops)
+            if (op.kind != OperationKind::Attach) steps.push_back({&op, false, &setting});
+    }
     return steps;
 }
 
-// Detaches for a detached step and attaches back for an attached one,
-// without calling the platform.
+// Sets the step's trace objects, and detaches for a detached step or
+// attaches back, all without calling the platform.
 inline void enter(const Step& step, std::uint8_t* region) {
+    fake().set_debug_level(step.traces->level);
+    fake().set_module_level(step.traces->level);
+    fake().module_object_missing = !step.traces->module_object;
     pSharedData = step.attached ? region : nullptr;
     pStorData = pSharedData;
+}
+
+inline std::string step_name(const Step& step) {
+    return row_name(*step.op) + (step.attached ? " (attached, " : " (not attached, ") + step.traces->name + ")";
 }
 
 }  // namespace tarv::testing

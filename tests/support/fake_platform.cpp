@@ -85,7 +85,8 @@ extern "C" {
 TRCD_TRACE DBG_KELM{0};
 
 TRCD_TRACE* Trcd__GetTrace(uint32_t lModule) {
-    return lModule == TRCD_MODULE_KELM ? &tarv::testing::g_module_object : &tarv::testing::g_other_module_object;
+    if (lModule != TRCD_MODULE_KELM) return &tarv::testing::g_other_module_object;
+    return fake().module_object_missing ? nullptr : &tarv::testing::g_module_object;
 }
 
 void WQ_beginImpl(TRCD_TRACE* pObject, uint32_t lLevel, const char* pSourceFile, uint32_t lLine) {

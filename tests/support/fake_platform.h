@@ -58,6 +58,9 @@ struct FakePlatform {
     // Level words of DBG_KELM and of module 142.
     void set_debug_level(std::uint32_t level);
     void set_module_level(std::uint32_t level);
+    // When set, Trcd__GetTrace(142) answers null, as a platform without a
+    // trace object for the module would.
+    bool module_object_missing = false;
 
     // Pcor__OpenShm: when false, every open fails (returns null).
     bool shm_succeeds = true;
