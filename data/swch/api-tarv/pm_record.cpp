@@ -217,7 +217,8 @@ inline constexpr Piece kUnitPercent{" %", 2};
 // structure shared by every thread, so two reporters converting at the same
 // time would race on it.
 [[nodiscard]] Piece locale_decimal_point() noexcept {
-    const char* point = nl_langinfo(RADIXCHAR);
+    // glibc's nl_langinfo is safe beside other threads (MT-Safe locale).
+    const char* point = nl_langinfo(RADIXCHAR);  // NOLINT(concurrency-mt-unsafe)
     return Piece{point, std::strlen(point)};
 }
 
@@ -468,7 +469,9 @@ inline constexpr int kMaxFastDecimals = 22;  // 10^22 is the largest exact power
     std::memcpy(text, field, kTextField);
     text[kTextField] = '\0';
     double parsed = 0.0;
-    if (std::sscanf(text, "%lf", &parsed) != 1) return false;
+    // The text is read as sscanf("%lf") reads it, by the record's contract;
+    // its result tells whether a number was there.
+    if (std::sscanf(text, "%lf", &parsed) != 1) return false;  // NOLINT(cert-err34-c)
     value = parsed;
     return true;
 }
