@@ -143,7 +143,9 @@ void mep_index(const std::uint8_t* region, Input& in) {
     const std::uint32_t slot =
         null_index ? kNotFound : fuzz::expected_slot(region, Table::MepOldMoidArray, reinterpret_cast<const std::uint8_t*>(&k));
     if (result != (slot == kNotFound ? -1 : 0)) fuzz::fail(kTarget, "Tarv__GetMepIndexFromOldMoid: wrong result");
-    if (slot == kNotFound ? !fuzz::untouched(out, 2) : load_le<std::uint16_t>(out) != slot)
+    std::uint16_t index_value = 0;  // the caller's own uint16_t, in its byte order
+    std::memcpy(&index_value, out, sizeof index_value);
+    if (slot == kNotFound ? !fuzz::untouched(out, 2) : index_value != slot)
         fuzz::fail(kTarget, "Tarv__GetMepIndexFromOldMoid: wrong index");
 }
 
