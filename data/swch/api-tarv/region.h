@@ -279,8 +279,7 @@ template <typename OnBadHint>
         // Two slots holding the same key would send the walk back to the
         // first of them forever; a previous pointer into the table itself
         // therefore continues after its own slot while that slot still holds
-        // the key. Its slot differs from the copy only when another process
-        // rewrote it since the copy was taken: no single test can time that.
+        // the key.
         const std::uint32_t own = slot_of(base, t, prev);
         if (found != kNotFound && own != kNotFound && own > found &&
             std::memcmp(entry(base, t, own), key, ti.key) == 0)
