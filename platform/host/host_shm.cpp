@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "host_model.h"
@@ -65,10 +66,13 @@ bool object_name(const char* name, char* out, std::size_t size) noexcept {
     const char* prefix = model().shm_prefix;
     const std::size_t length = 1 + std::strlen(prefix) + std::strlen(name + 1);
     if (length > TARV_HOST_SHM_NAME_MAX || length >= size) return false;
-    out[0] = '/';
-    std::strcpy(out + 1, prefix);
-    std::strcat(out, name + 1);
-    return true;
+    return std::snprintf(out, size, "/%s%s", prefix, name + 1) == static_cast<int>(length);
+}
+
+// The text of an errno value; unlike strerror, safe beside other threads.
+const char* error_text(int error) noexcept {
+    const char* text = strerrordesc_np(error);
+    return text != nullptr ? text : "unknown error";
 }
 
 // Opens the object; for read-write access creates it when it is missing.
@@ -96,7 +100,7 @@ void* map_object(const char* object, std::uint32_t size, bool read_only, std::in
     const int fd = open_object(object, read_only, created);
     if (fd < 0) {
         if (!(read_only && errno == ENOENT))
-            diagnostic("Pcor__OpenShm(\"%s\", %u, %d): open: %s", object, size, flag, std::strerror(errno));
+            diagnostic("Pcor__OpenShm(\"%s\", %u, %d): open: %s", object, size, flag, error_text(errno));
         return nullptr;
     }
     const char* failed = nullptr;
@@ -125,7 +129,7 @@ void* map_object(const char* object, std::uint32_t size, bool read_only, std::in
         error = errno;
         failed = "mmap";
     }
-    diagnostic("Pcor__OpenShm(\"%s\", %u, %d): %s: %s", object, size, flag, failed, std::strerror(error));
+    diagnostic("Pcor__OpenShm(\"%s\", %u, %d): %s: %s", object, size, flag, failed, error_text(error));
     close(fd);
     if (created) shm_unlink(object);  // leave no half-made object behind
     return nullptr;

@@ -47,7 +47,12 @@ TEST_F(AttachTest, FailedOpenTracesCode12AndIsRetried) {
 TEST_F(AttachTest, FailedOpenIsSilentWhenTheModuleLevelIsZero) {
     fake().shm_succeeds = false;
     Tarv__Open();
-    EXPECT_TRUE(fake().traces.empty());
+    Tarv__StorOpen();  // "Failed"
+    fake().shm_succeeds = true;
+    Tarv__Open();
+    Tarv__StorOpen();  // "Null"
+    EXPECT_NE(pStorData, nullptr);
+    EXPECT_EQ(fake().trace_count, 0u);
 }
 
 TEST_F(AttachTest, StorOpenAfterOpenTracesNullAndRemapsReadWrite) {
