@@ -14,14 +14,20 @@
 
 namespace tarv::testing {
 
+// The checkpoint region, attached by attach_populated.
+inline std::uint8_t* g_checkpoint = nullptr;
+
 // Attaches read-write through the fake platform (the mapping a writer uses,
-// which every reader uses too) and populates the region. Traces are counted,
-// never recorded.
+// which every reader uses too), populates the region and attaches the
+// checkpoint region. Traces are counted, never recorded.
 inline void attach_populated() {
     fake().reset();
     pSharedData = nullptr;
     pStorData = nullptr;
+    pChkpData = nullptr;
     Tarv__StorOpen();
+    Tarv__ChkpOpen();
+    g_checkpoint = pChkpData;
     populate_region(pSharedData);
     fake().keep_traces = false;
 }
@@ -58,14 +64,15 @@ inline std::vector<Step> every_step(std::span<const Operation> ops) {
     return steps;
 }
 
-// Sets the step's trace objects, and detaches for a detached step or
-// attaches back, all without calling the platform.
+// Sets the step's trace objects, and detaches both regions for a detached
+// step or attaches them back, all without calling the platform.
 inline void enter(const Step& step, std::uint8_t* region) {
     fake().set_debug_level(step.traces->level);
     fake().set_module_level(step.traces->level);
     fake().module_object_missing = !step.traces->module_object;
     pSharedData = step.attached ? region : nullptr;
     pStorData = pSharedData;
+    pChkpData = step.attached ? g_checkpoint : nullptr;
 }
 
 inline std::string step_name(const Step& step) {

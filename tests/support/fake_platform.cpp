@@ -141,7 +141,7 @@ const uint8_t* Hwin__GetUserPortBaseMacAddress(void) {
 
 int32_t Prtm__GetPortMacAddress(uint32_t lSlot, uint32_t lPort, uint8_t* pMacAddress) {
     auto& f = fake();
-    f.port_mac_requests.emplace_back(lSlot, lPort);
+    if (f.keep_traces) f.port_mac_requests.emplace_back(lSlot, lPort);
     auto it = f.port_macs.find({lSlot, lPort});
     if (it == f.port_macs.end()) return -1;
     std::memcpy(pMacAddress, it->second.data(), 6);
@@ -150,7 +150,7 @@ int32_t Prtm__GetPortMacAddress(uint32_t lSlot, uint32_t lPort, uint8_t* pMacAdd
 
 int32_t Prtm__LagGetLagPortList(uint32_t lLagId, uint8_t* pPortList) {
     auto& f = fake();
-    f.lag_requests.push_back(lLagId);
+    if (f.keep_traces) f.lag_requests.push_back(lLagId);
     if (f.on_lag_request) f.on_lag_request(lLagId);
     auto it = f.lag_lists.find(lLagId);
     if (it == f.lag_lists.end()) {
@@ -165,7 +165,7 @@ int32_t Lanx__GetSwitchMode(void) { return fake().switch_mode; }
 
 int32_t Lanx__GetPbPortType(uint32_t lSlot, uint32_t lPort) {
     auto& f = fake();
-    f.port_type_requests.emplace_back(lSlot, lPort);
+    if (f.keep_traces) f.port_type_requests.emplace_back(lSlot, lPort);
     auto it = f.port_types.find({lSlot, lPort});
     return it == f.port_types.end() ? 1 : it->second;
 }

@@ -46,8 +46,9 @@ struct FakePlatform {
     std::vector<TraceRecord> traces;
     // When false, trace statements are counted but not recorded: each print
     // is still formatted, into a fixed buffer, so that every argument is
-    // used, but nothing is allocated and no system call is made. For checks
-    // that forbid the heap or the kernel while the library runs.
+    // used, but nothing is allocated and no system call is made; the
+    // platform requests below are not logged either. For checks that forbid
+    // the heap or the kernel while the library runs, and for threads.
     bool keep_traces = true;
     // Every trace statement printed, recorded or not, and those of them that
     // were not opened by WQ_beginImpl or not closed by WQ_endImpl on the

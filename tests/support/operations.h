@@ -69,7 +69,9 @@ struct Operation {
 
 // Fills the attached region at `region` with the objects the rows look up:
 // entries of every class in the first and last slots of its table, MEPs
-// with their old MOIDs, one of them outside its hint slot, MaNets.
+// with their old MOIDs, one of them outside its hint slot, MaNets, points on
+// ports and LAGs with their MA components, alarm texts; and the fake
+// platform's LAG member lists and port types.
 void populate_region(std::uint8_t* region);
 
 // Runs one row on `scratch` and returns its digest.
