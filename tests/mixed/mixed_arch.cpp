@@ -3,25 +3,32 @@
 // platform's POSIX shared memory:
 //
 //   tarv-mixed-arch write PREFIX   attaches read-write and writes every class
+//                                  with Tarv__SetConfig
 //   tarv-mixed-arch read PREFIX    attaches read-only and reads every class
 //                                  back through Tarv__GetConfig and the
 //                                  readers; exits 1 on any difference
 //   tarv-mixed-arch remove PREFIX  removes the region object
 //
-// Both sides build the same region image from a pattern that depends only on
-// the class, the slot and the byte, stored byte by byte little-endian, so a
+// Both sides build the same objects from a pattern that depends only on the
+// class, the slot and the byte, stored byte by byte little-endian, so a
 // process of any architecture expects exactly the bytes any other wrote.
+// The reader expects what the writer derives as well: MEP and MIP MAC
+// addresses from the host platform's model, throughput values, fields set to
+// 1 and companion keys.
 #include <sys/mman.h>
 
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "byteorder.h"
 #include "classes.h"
+#include "platform/hwin.h"
 #include "platform/pcor.h"
+#include "platform/prtm.h"
 #include "region.h"
 #include "tarv/tarv.h"
 #include "tarv_host.h"
@@ -67,6 +74,16 @@ Bytes key_of(const ClassInfo& c, std::uint32_t slot) {
     return k;
 }
 
+// Where the three MEPs and MIPs sit (a LAG, slot 3, another slot), and the
+// operands of the three throughput tests with the value the write derives
+// from them (2 * B * C / (125 * A), at least 1; infinite for A = 0).
+constexpr std::uint8_t kPointPlaces[3][2] = {{2, 7}, {3, 9}, {1, 4}};
+struct Rate {
+    std::uint32_t a;
+    std::uint16_t b, c, d;
+};
+constexpr Rate kRates[3] = {{1, 250, 1, 4}, {0, 0, 0, 1}, {0, 5, 5, 0xFFFF}};
+
 // The objects of class c: the first, a middle and the last slot of its
 // table; a singleton's one record.
 std::vector<Object> objects_of(const ClassInfo& c) {
@@ -74,11 +91,39 @@ std::vector<Object> objects_of(const ClassInfo& c) {
     if (c.rule == ClassRule::NoStorage) return out;
     if (c.rule == ClassRule::Singleton) {
         out.push_back({0, {}, pattern(c.record_size(), c.id, 0)});
+        if (c.kept_when_first_byte_zero) out.back().record.front() = 0x01;  // else the write keeps the old one
         return out;
     }
-    for (std::uint32_t slot : {c.first_slot, (c.first_slot + c.slots()) / 2, c.slots() - 1})
-        out.push_back({slot, key_of(c, slot), pattern(c.record_size(), c.id, slot)});
+    const bool packed = c.placement == Placement::Packed;  // the n-th record goes to slot n - 1
+    for (std::uint32_t slot : {c.first_slot, packed ? 1 : (c.first_slot + c.slots()) / 2, packed ? 2 : c.slots() - 1}) {
+        Object o{slot, key_of(c, slot), pattern(c.record_size(), c.id, slot)};
+        const std::size_t n = out.size();
+        if (c.mac.address.table != Table::Count) {
+            o.record[c.mac.slot.offset] = kPointPlaces[n][0];
+            o.record[c.mac.port.offset] = kPointPlaces[n][1];
+        }
+        if (c.rate.d.table != Table::Count) {
+            set(o.record.data(), c.rate.a, kRates[n].a), set(o.record.data(), c.rate.b, kRates[n].b);
+            set(o.record.data(), c.rate.c, kRates[n].c);
+        }
+        out.push_back(std::move(o));
+    }
     return out;
+}
+
+// The MAC address of a point on (slot, port) as the host platform gives it:
+// a LAG (slot 2) the base address with port + 1 added to its low 24 bits,
+// slot 3 the address of its port 1, any other slot that of its port.
+void point_mac(std::uint8_t slot, std::uint8_t port, std::uint8_t* mac) {
+    std::memset(mac, 0, 6);
+    if (slot != 2) {
+        Prtm__GetPortMacAddress(slot, slot == 3 ? 1u : port, mac);
+        return;
+    }
+    std::memcpy(mac, Hwin__GetUserPortBaseMacAddress(), 6);
+    const std::uint32_t low = (std::uint32_t{mac[3]} << 16 | std::uint32_t{mac[4]} << 8 | mac[5]) + port + 1u;
+    mac[3] = static_cast<std::uint8_t>(low >> 16), mac[4] = static_cast<std::uint8_t>(low >> 8);
+    mac[5] = static_cast<std::uint8_t>(low);
 }
 
 // Old MOID the controller keeps for a MEP slot: the current one with MD 9.
@@ -90,32 +135,49 @@ Bytes old_moid(const Object& mep) {
 
 const ClassInfo& class_info(std::uint32_t id) { return *find_class(id); }
 
-// Writes one class into the region. Today every class is placed by raw bytes
-// in its slots. When Tarv__SetConfig serves the classes, this becomes a call
-// of it with transfer_list(c, objects) (and the reader then expects the fields
-// the writer derives, such as the MEP and MIP MAC addresses).
-void write_class(std::uint8_t* region, const ClassInfo& c, const std::vector<Object>& objects) {
+// What a write of class c leaves in the image: its tables (and those of its
+// companions) emptied, then each object with the fields the write derives.
+void expect_class(std::uint8_t* image, const ClassInfo& c, const std::vector<Object>& objects) {
+    for (Table t : c.emptied)
+        if (t != Table::Count) std::memset(image + info(t).base, 0, info(t).bytes());
+    std::size_t n = 0;
     for (const Object& o : objects) {
-        if (!o.key.empty()) std::memcpy(entry(region, c.keys, o.slot), o.key.data(), o.key.size());
-        std::memcpy(entry(region, c.data, o.slot), o.record.data(), o.record.size());
+        if (!o.key.empty()) std::memcpy(entry(image, c.keys, o.slot), o.key.data(), o.key.size());
+        std::uint8_t* record = entry(image, c.data, o.slot);
+        std::memcpy(record, o.record.data(), o.record.size());
+        for (const Field<std::uint32_t>& f : c.set_to_one)
+            if (f.table != Table::Count) set(record, f, 1u);
+        for (const Companion& m : c.companions) {
+            if (m.keys == Table::Count) continue;
+            std::uint8_t* key = entry(image, m.keys, o.slot);
+            std::memcpy(key, o.key.data(), o.key.size());
+            store_le<std::uint16_t>(key, m.w_class);
+            if (info(m.keys).key > o.key.size()) std::memcpy(key + o.key.size(), o.key.data() + o.key.size() - 4, 4);
+        }
+        if (c.mac.address.table != Table::Count)
+            point_mac(get(record, c.mac.slot), get(record, c.mac.port), record + c.mac.address.offset);
+        if (c.rate.d.table != Table::Count) set(record, c.rate.d, kRates[n].d);
+        ++n;
     }
 }
 
 // The whole region as the writer leaves it.
 Bytes region_image() {
     Bytes image(kRegionSize, 0);
-    for (const ClassInfo& c : kClasses) write_class(image.data(), c, objects_of(c));
+    for (const ClassInfo& c : kClasses) expect_class(image.data(), c, objects_of(c));
     for (const Object& mep : objects_of(class_info(TARV_CLASS_MEP)))
         std::memcpy(entry(image.data(), Table::MepOldMoidArray, mep.slot), old_moid(mep).data(), TARV_MOID_SIZE);
     return image;
 }
 
-// What Tarv__GetConfig lists for class c when asked for every slot.
-Bytes transfer_list(const ClassInfo& c, const std::vector<Object>& objects) {
+// The list of class c's objects as Tarv__SetConfig takes it and
+// Tarv__GetConfig gives it when asked for every slot, key and record taken
+// from `image`; a terminator after a list class.
+Bytes transfer_list(const std::uint8_t* image, const ClassInfo& c, const std::vector<Object>& objects) {
     Bytes list;
     for (const Object& o : objects) {
-        list.insert(list.end(), o.key.begin(), o.key.end());
-        list.insert(list.end(), o.record.begin(), o.record.end());
+        if (!o.key.empty()) list.insert(list.end(), entry(image, c.keys, o.slot), entry(image, c.keys, o.slot) + c.key_size());
+        list.insert(list.end(), entry(image, c.data, o.slot), entry(image, c.data, o.slot) + c.record_size());
     }
     if (c.rule == ClassRule::List) list.insert(list.end(), c.key_size(), 0);
     return list;
@@ -136,8 +198,25 @@ int write_side() {
     Tarv__StorOpen();
     std::uint8_t* region = map_region(PCOR_SHM_READ_WRITE);  // the same object, a second view
     if (region == nullptr) return 2;
-    const Bytes image = region_image();
-    std::memcpy(region, image.data(), image.size());
+    // Every class in the order of kClasses: the MEPs before the bandwidth
+    // notifications, which a MEP write empties. A history list has no
+    // terminator of its own: the zero id after it ends it.
+    for (const ClassInfo& c : kClasses) {
+        const std::vector<Object> objects = objects_of(c);
+        Bytes list;
+        for (const Object& o : objects) {
+            list.insert(list.end(), o.key.begin(), o.key.end());
+            list.insert(list.end(), o.record.begin(), o.record.end());
+        }
+        list.resize(list.size() + (c.rule == ClassRule::Singleton ? 0 : c.key_size()), 0);
+        if (Tarv__SetConfig(c.id, list.data()) != 0) {
+            std::fprintf(stderr, "tarv-mixed-arch: Tarv__SetConfig(%u) failed\n", static_cast<unsigned>(c.id));
+            return 1;
+        }
+    }
+    // The old MOIDs, which the controller alone writes.
+    for (const Object& mep : objects_of(class_info(TARV_CLASS_MEP)))
+        std::memcpy(entry(region, Table::MepOldMoidArray, mep.slot), old_moid(mep).data(), TARV_MOID_SIZE);
     std::printf("wrote %zu classes\n", kClasses.size());
     return 0;
 }
@@ -155,7 +234,7 @@ int read_side() {
 
     for (const ClassInfo& c : kClasses) {
         const std::vector<Object> objects = objects_of(c);
-        const Bytes want = transfer_list(c, objects);
+        const Bytes want = transfer_list(image.data(), c, objects);
         const std::uint32_t count = c.rule == ClassRule::History ? 1 : (c.rule == ClassRule::List ? c.slots() : 0);
         Bytes got(want.size() + 16, 0xCC);
         expect(Tarv__GetConfig(c.id, got.data(), count) == 0, "class " + std::to_string(c.id) + ": result");
@@ -176,7 +255,8 @@ int read_side() {
         std::memcpy(&moid, mep.key.data(), sizeof moid);
         Bytes record(TARV_MEP_RECORD_SIZE, 0xCC);
         Tarv__ReadMEP(moid, record.data());
-        expect(record == mep.record, "MEP record of slot " + std::to_string(mep.slot));
+        expect(std::memcmp(record.data(), entry(image.data(), Table::MepDataArray, mep.slot), record.size()) == 0,
+               "MEP record of slot " + std::to_string(mep.slot));
         TARV_MOID old;
         std::memcpy(&old, old_moid(mep).data(), sizeof old);
         std::uint16_t index = 0xFFFF;
@@ -190,6 +270,26 @@ int read_side() {
         Tarv__ReadMANet(key, record.data());
         expect(Tarv__DoesMANetExist(key) == 1 && record == manet.record,
                "MaNet of slot " + std::to_string(manet.slot));
+    }
+    for (const Object& o : objects_of(class_info(TARV_CLASS_BANDWIDTH_NOTIFICATION))) {
+        TARV_MOID moid;
+        std::memcpy(&moid, o.key.data(), sizeof moid);
+        Bytes record(TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE, 0xCC);
+        Tarv__ReadBandwidthNotification(moid, record.data());
+        expect(record == o.record, "bandwidth notification of slot " + std::to_string(o.slot));
+    }
+    for (const Object& o : objects_of(class_info(TARV_CLASS_THROUGHPUT))) {
+        TARV_THROUGHPUT_KEY key;
+        std::memcpy(&key, o.key.data(), sizeof key);
+        Bytes record(TARV_THROUGHPUT_RECORD_SIZE, 0xCC);
+        Tarv__ReadThroughputEntry(key, record.data());
+        expect(std::memcmp(record.data(), entry(image.data(), Table::ThroughputDataArray, o.slot), record.size()) == 0,
+               "throughput test of slot " + std::to_string(o.slot));
+    }
+    for (const Object& o : objects_of(class_info(TARV_CLASS_PM_SESSION))) {
+        TARV_PM_KEY key;
+        Tarv__GetPMSessionMoid(o.slot, &key);
+        expect(std::memcmp(&key, o.key.data(), sizeof key) == 0, "PM session key of slot " + std::to_string(o.slot));
     }
     std::printf("read %zu classes, %zu MEPs: %s\n", kClasses.size(), meps.size(), failures == 0 ? "same" : "DIFFERENT");
     return failures == 0 ? 0 : 1;
