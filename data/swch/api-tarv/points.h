@@ -145,12 +145,15 @@ template <typename Match>
 }  // namespace tarv::points
 
 // The endpoint tagging tests and the MIP test for a C-VLAN on a port under
-// their own names. Internal to the library: not exported.
+// their own names. Internal to the library: not exported. Their names follow
+// the library's Tarv__ convention, double underscore included.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 uint32_t Tarv__IsEndpointCTagged(TARV_MOID Moid);
 uint32_t Tarv__IsEndpointSTagged(TARV_MOID Moid);
 uint32_t Tarv__IsEndpointVfi(TARV_MOID Moid);
 uint32_t Tarv__IsOamEnabledOnMIPPortCVlan(int32_t slot, int32_t port, int32_t vid);
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 #endif
