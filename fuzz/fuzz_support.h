@@ -4,7 +4,9 @@
 // end at an inaccessible page.
 //
 // Input layout of the region-reading targets:
-//   count:u8, then count % 48 entry writes, then operations to the end.
+//   count:u8, then (count & 0x7F) % 48 entry writes, then operations to the
+//                end; count's bit 7 set: no trace statement runs for this
+//                input, else every one does.
 //   entry write: table:u8 (index into the target's table list), slot:u16,
 //                length:u8, then min(length, entry size) bytes written at
 //                the start of that entry (the rest of it stays zero).
@@ -23,6 +25,7 @@
 #include <span>
 
 #include "byteorder.h"
+#include "platform/prtm.h"
 #include "region.h"
 #include "support/fake_platform.h"
 #include "support/guard_page.h"
@@ -51,6 +54,17 @@ public:
     void bytes(std::uint8_t* out, std::size_t n) noexcept {
         for (std::size_t i = 0; i < n; ++i) out[i] = u8();
     }
+    // An integer argument (slot, port, VLAN, index, length): mode:u8 below
+    // 0xF0 is the value itself; 0xF0..0xF7 a value at a limit (negative
+    // ones included); above, any u32 follows.
+    std::uint32_t number() noexcept {
+        static constexpr std::uint32_t kLimits[] = {0xFFFFFFFFu, 0x80000000u, 0x7FFFFFFFu, 0xFFFFu,
+                                                    0x10000u,    0x1000u,     0xFFFu,      0x100u};
+        const std::uint8_t mode = u8();
+        if (mode < 0xF0) return mode;
+        return mode < 0xF8 ? kLimits[mode - 0xF0] : u32();
+    }
+    std::int32_t signed_number() noexcept { return static_cast<std::int32_t>(number()); }
 
 private:
     const std::uint8_t* data_;
@@ -74,10 +88,7 @@ inline bool is_private(Table t) {
 // read nor write there. Traces of every level are formatted, not kept.
 inline std::uint8_t* attached_region(bool read_write) {
     static std::uint8_t* region = [read_write] {
-        auto& f = testing::fake();
-        f.keep_traces = false;
-        f.set_debug_level(7);
-        f.set_module_level(7);
+        testing::fake().keep_traces = false;
         if (read_write)
             Tarv__StorOpen();
         else
@@ -97,17 +108,66 @@ inline std::uint8_t* attached_region(bool read_write) {
     return region;
 }
 
+// Sets the levels of the trace objects: every trace statement runs, or none.
+inline void set_traces(bool on) {
+    testing::fake().set_debug_level(on ? 7 : 0);
+    testing::fake().set_module_level(on ? 7 : 0);
+}
+
 // Clears the tables of `tables` (no other table is ever written), then
 // applies the entry writes at the start of the input to them.
 inline void fill_region(std::uint8_t* region, std::span<const Table> tables, Input& in) {
     for (Table t : tables) std::memset(region + info(t).base, 0, info(t).bytes());
-    const unsigned writes = in.u8() % 48u;
+    const std::uint8_t count = in.u8();
+    set_traces((count & 0x80u) == 0);
+    const unsigned writes = (count & 0x7Fu) % 48u;
     for (unsigned w = 0; w < writes && !in.empty(); ++w) {
         const Table t = tables[in.u8() % tables.size()];
         const TableInfo& ti = info(t);
         const std::uint32_t slot = in.u16() % ti.slots;
         const std::size_t length = in.u8();
         in.bytes(entry(region, t, slot), length < ti.entry ? length : ti.entry);
+    }
+}
+
+// A key of type Key for table t, read from the input: source:u8, then by
+// source % 3: 0 the key bytes follow; 1 the key of slot u8 of t (a key that
+// is there); 2 that key with the byte u8 % size changed by u8.
+template <typename Key>
+Key read_key(const std::uint8_t* region, Table t, Input& in) {
+    std::uint8_t b[sizeof(Key)];
+    const std::uint8_t source = in.u8() % 3u;
+    if (source == 0) {
+        in.bytes(b, sizeof b);
+    } else {
+        std::memcpy(b, entry(region, t, in.u8() % info(t).slots), sizeof b);
+        if (source == 2) {
+            const std::size_t at = in.u8() % sizeof b;
+            b[at] = static_cast<std::uint8_t>(b[at] + in.u8());
+        }
+    }
+    Key k;
+    std::memcpy(&k, b, sizeof k);
+    return k;
+}
+
+// The chassis, port and switch answers of the fake platform, from the input:
+// switch mode:u8 % 4, then lists:u8 % 4 LAG member lists (LAG id:u8 and the
+// 20 bytes the port library returns, count byte included, any value), then
+// types:u8 % 4 port types (slot:u8, port:u8, type:u8 % 5).
+inline void set_platform(Input& in) {
+    auto& f = testing::fake();
+    f.switch_mode = in.u8() % 4;
+    f.lag_lists.clear();
+    for (unsigned n = in.u8() % 4u; n > 0; --n) {
+        const std::uint8_t lag = in.u8();
+        in.bytes(f.lag_lists[lag].data(), PRTM_LAG_PORT_LIST_SIZE);
+    }
+    f.port_types.clear();
+    for (unsigned n = in.u8() % 4u; n > 0; --n) {
+        const std::uint32_t slot = in.u8();
+        const std::uint32_t port = in.u8();
+        f.port_types[{slot, port}] = in.u8() % 5;
     }
 }
 
