@@ -146,13 +146,16 @@ void get_config(Scratch& s, const Operation& op) {
     s.result(static_cast<std::uint32_t>(Tarv__GetConfig(op.a, s.out(config_buffer(op.a, op.b)), op.b)));
 }
 
-void walk_meps(Scratch& s, const Operation&) {
-    const TARV_MOID* p = Tarv__MEPMoidIterator(nullptr);
+// An iterator's walk from the start to its end, each result's offset folded.
+template <typename Key>
+void walk(Scratch& s, const Key* (*next)(const Key*)) {
+    const Key* p = next(nullptr);
     for (int steps = 0; p != nullptr && steps <= 32; ++steps) {
         s.result(reinterpret_cast<std::uintptr_t>(p) - reinterpret_cast<std::uintptr_t>(pSharedData));
-        p = Tarv__MEPMoidIterator(p);
+        p = next(p);
     }
 }
+void walk_meps(Scratch& s, const Operation&) { walk(s, Tarv__MEPMoidIterator); }
 
 // A previous MOID handed in as a copy in the caller's memory.
 void iterate_from_copy(Scratch& s, const TARV_MOID& prev) {
@@ -226,21 +229,8 @@ void write_refused(Scratch& s, const Operation& op) {
     s.result(static_cast<std::uint32_t>(Tarv__SetConfig(c.id, list)));
 }
 
-void walk_bandwidth_notifications(Scratch& s, const Operation&) {
-    const TARV_MOID* p = Tarv__BandwidthNotificationMoidIterator(nullptr);
-    for (int steps = 0; p != nullptr && steps <= 32; ++steps) {
-        s.result(reinterpret_cast<std::uintptr_t>(p) - reinterpret_cast<std::uintptr_t>(pSharedData));
-        p = Tarv__BandwidthNotificationMoidIterator(p);
-    }
-}
-
-void walk_throughput_list(Scratch& s, const Operation&) {
-    const TARV_THROUGHPUT_KEY* p = Tarv__ThroughputListMoidIterator(nullptr);
-    for (int steps = 0; p != nullptr && steps <= 32; ++steps) {
-        s.result(reinterpret_cast<std::uintptr_t>(p) - reinterpret_cast<std::uintptr_t>(pSharedData));
-        p = Tarv__ThroughputListMoidIterator(p);
-    }
-}
+void walk_bandwidth_notifications(Scratch& s, const Operation&) { walk(s, Tarv__BandwidthNotificationMoidIterator); }
+void walk_throughput_list(Scratch& s, const Operation&) { walk(s, Tarv__ThroughputListMoidIterator); }
 
 // A previous key in the caller's memory that the table does not hold.
 void bwn_after_vanished(Scratch& s, const Operation&) {
