@@ -54,8 +54,7 @@ Bytes list(std::uint16_t id, std::uint32_t key, std::uint32_t record, std::uint3
         if (round % 2 == 0 && s % 2 == 1) continue;
         Bytes t(key + record, static_cast<std::uint8_t>(round + s));
         t[0] = static_cast<std::uint8_t>(id), t[1] = static_cast<std::uint8_t>(id >> 8);
-        const std::uint32_t last = s + 1;
-        std::memcpy(t.data() + key - 4, &last, 4);  // little-endian host
+        for (std::uint32_t b = 0; b < 4; ++b) t[key - 4 + b] = static_cast<std::uint8_t>((s + 1) >> (8 * b));
         l.insert(l.end(), t.begin(), t.end());
     }
     l.resize(l.size() + key, 0);

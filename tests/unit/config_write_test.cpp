@@ -128,20 +128,20 @@ TEST_P(EveryClass, WritesItsRecordsAndDerivedEntriesAndNothingElse) {
     if (c.placement == Placement::LastId) placed = {{c.slots() - 1, transfer(c, c.slots(), 0x3C)}, {0, transfer(c, 1, 0x5A)}};
     if (c.placement == Placement::SessionId) placed = {{8, transfer(c, 8, 0x3C)}, {1, transfer(c, 1, 0x5A)}};
     if (c.placement == Placement::Packed) placed = {{0, transfer(c, 9, 0x3C)}, {1, transfer(c, 1, 0x5A)}};
-    for (Table t : GetParam().emptied) std::fill_n(want.begin() + info(t).base, info(t).bytes(), 0);
+    for (Table t : GetParam().emptied) std::fill_n(want.data() + info(t).base, info(t).bytes(), 0);
     std::vector<Bytes> records;
     for (const auto& [slot, r] : placed) {
         records.push_back(r);
         const std::uint32_t k = c.key_size();
-        std::copy_n(r.begin(), k, want.begin() + info(c.keys).base + slot * k);
+        std::copy_n(r.begin(), k, want.data() + info(c.keys).base + slot * k);
         std::uint8_t* record = want.data() + info(c.data).base + slot * c.record_size();
-        std::copy(r.begin() + k, r.end(), record);
+        std::copy(r.data() + k, r.data() + r.size(), record);
         for (std::uint32_t offset : GetParam().ones) store_le<std::uint32_t>(record + offset, 1);
         for (auto [keys, w_class] : GetParam().companions) {
             std::uint8_t* companion = want.data() + info(keys).base + slot * info(keys).entry;
             std::copy_n(r.begin(), k, companion);
             store_le<std::uint16_t>(companion, w_class);
-            if (info(keys).key > k) std::copy_n(r.begin() + k - 4, 4, companion + k);
+            if (info(keys).key > k) std::copy_n(r.data() + k - 4, 4, companion + k);
         }
     }
     const auto input = c.rule == ClassRule::NoStorage ? std::make_unique<GuardedBytes>(0) : list(c, records);
@@ -225,7 +225,7 @@ TEST_F(SetConfigTest, RecordsGoToTheSlotTheirKeyNames) {
         EXPECT_EQ(Tarv__SetConfig(row.id, list(c, records, row.terminated)->data()), 0) << row.id;
         Bytes want(c.slots() * c.transfer_size(), 0), got;
         for (auto [slot, index] : row.stored)
-            std::copy(records[index].begin(), records[index].end(), want.begin() + slot * c.transfer_size());
+            std::copy(records[index].begin(), records[index].end(), want.data() + slot * c.transfer_size());
         for (std::uint32_t s = 0; s < c.slots(); ++s) {
             got.insert(got.end(), entry(pStorData, c.keys, s), entry(pStorData, c.keys, s) + c.key_size());
             got.insert(got.end(), entry(pStorData, c.data, s), entry(pStorData, c.data, s) + c.record_size());
