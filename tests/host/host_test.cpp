@@ -37,9 +37,9 @@ void clean_environment() {
 }
 
 // The object name the platform uses for `name`, "<invalid>" when there is none.
-std::string object_name(const char* name) {
+std::string object_name(const char* name, std::size_t size = TARV_HOST_SHM_NAME_MAX + 1) {
     char buffer[TARV_HOST_SHM_NAME_MAX + 1];
-    return TarvHost_ShmObjectName(name, buffer, sizeof buffer) == 0 ? buffer : "<invalid>";
+    return TarvHost_ShmObjectName(name, buffer, size) == 0 ? buffer : "<invalid>";
 }
 
 template <typename F>
@@ -74,7 +74,6 @@ protected:
         for (const char* name : {"region", "short", "absent", "valid"}) shm_unlink(("/" + prefix_ + name).c_str());
         HostTest::TearDown();
     }
-
     // Size and permission bits of the object behind `name`; size -1 when absent.
     static std::pair<off_t, unsigned> stat_of(const char* name) {
         const int fd = shm_open(object_name(name).c_str(), O_RDONLY, 0);
@@ -83,28 +82,24 @@ protected:
         if (fd >= 0) close(fd);
         return ok ? std::pair<off_t, unsigned>{st.st_size, st.st_mode & 0777u} : std::pair<off_t, unsigned>{-1, 0};
     }
-
     std::string prefix_;
 };
 
-TEST_F(ShmTest, ReadWriteOpenCreatesAZeroFilledObjectOpenToTheGroup) {
-    const mode_t old_mask = umask(077);  // would narrow the mode without fchmod
-    auto* p = static_cast<std::uint8_t*>(Pcor__OpenShm("/region", kSize, kRw));
-    umask(old_mask);
-    ASSERT_NE(p, nullptr);
-    EXPECT_EQ(stat_of("/region"), (std::pair<off_t, unsigned>{kSize, 0660u}));
-    EXPECT_EQ(std::vector<std::uint8_t>(p, p + kSize), std::vector<std::uint8_t>(kSize));
-    p[kSize - 1] = 2;  // writable up to its last byte
-}
-
-// Every open maps the object anew and shows the same bytes; a smaller request
-// maps its start and shrinks nothing; a read-only mapping faults on write.
-TEST_F(ShmTest, EveryOpenMapsTheSameBytes) {
+// A read-write open creates the object zero-filled with mode 0660 whatever
+// the umask; every open maps it anew and shows the same bytes; a smaller
+// request maps its start and shrinks nothing; a read-only mapping faults on
+// write.
+TEST_F(ShmTest, OpensMapOneZeroFilledObject) {
+    const mode_t old_mask = umask(077);
     auto* writer = static_cast<std::uint8_t*>(Pcor__OpenShm("/region", kSize, kRw));
+    umask(old_mask);
+    ASSERT_NE(writer, nullptr);
+    EXPECT_EQ(stat_of("/region"), (std::pair<off_t, unsigned>{kSize, 0660u}));
+    EXPECT_EQ(std::vector<std::uint8_t>(writer, writer + kSize), std::vector<std::uint8_t>(kSize));
     auto* second = static_cast<std::uint8_t*>(Pcor__OpenShm("/region", kSize, kRw));
     auto* reader = static_cast<volatile std::uint8_t*>(Pcor__OpenShm("/region", kSize, kRo));
     auto* part = static_cast<const std::uint8_t*>(Pcor__OpenShm("/region", 1000, kRo));
-    ASSERT_TRUE(writer && second && reader && part);
+    ASSERT_TRUE(second && reader && part);
     EXPECT_NE(writer, second);
     writer[kSize - 1] = 0x22;
     second[999] = 0x33;
@@ -115,17 +110,17 @@ TEST_F(ShmTest, EveryOpenMapsTheSameBytes) {
     EXPECT_DEATH(reader[kSize - 1] = 1, "");
 }
 
+// The prefix goes after the leading slash; the whole name has at most 255
+// characters and needs room for its terminator. An invalid prefix leaves the
+// previous one.
 TEST_F(ShmTest, PrefixGoesAfterTheLeadingSlash) {
     EXPECT_EQ(object_name("/region"), "/" + prefix_ + "region");
-
-    // 1 slash + prefix + rest may use 255 characters, not 256.
     const std::string longest = "/" + std::string(TARV_HOST_SHM_NAME_MAX - 1 - prefix_.size(), 'n');
     EXPECT_EQ(object_name(longest.c_str()).size(), std::size_t{TARV_HOST_SHM_NAME_MAX});
     EXPECT_EQ(object_name((longest + "n").c_str()), "<invalid>");
-    char small[8];
-    EXPECT_EQ(TarvHost_ShmObjectName("/kelm-data", small, sizeof small), -1);
-
-    // Invalid prefixes leave the previous one; none at all leaves names alone.
+    EXPECT_EQ(object_name("/a/b"), "<invalid>");
+    EXPECT_EQ(object_name("/region", prefix_.size() + 8), "/" + prefix_ + "region");
+    EXPECT_EQ(object_name("/region", prefix_.size() + 7), "<invalid>");
     const std::string max(TARV_HOST_SHM_PREFIX_MAX, 'p');
     EXPECT_EQ(TarvHost_SetShmPrefix(max.c_str()), 0);
     EXPECT_EQ(TarvHost_SetShmPrefix((max + "p").c_str()), -1);
@@ -143,18 +138,13 @@ TEST_F(ShmTest, RefusedRequestsGiveNullAndCreateNothing) {
     ASSERT_EQ(ftruncate(fd, kSize - 1), 0);
     close(fd);
     const std::string too_long = "/" + std::string(TARV_HOST_SHM_NAME_MAX, 'n');
-    const struct {
-        const char* name;
-        std::uint32_t size;
-        int flag;
-        long lines;
-    } cases[] = {{"/absent", kSize, kRo, 0}, {"/short", kSize, kRo, 1}, {"/short", kSize, kRw, 1},
-                 {nullptr, 64, kRw, 1},      {"valid", 64, kRw, 1},     {"/", 64, kRw, 1},
-                 {"/a/b", 64, kRw, 1},       {too_long.c_str(), 64, kRw, 1},
-                 {"/valid", 64, 2, 1},       {"/valid", 64, -1, 1},     {"/valid", 0, kRw, 1}};
-    for (const auto& c : cases) {
-        const std::string err = stderr_of([&] { EXPECT_EQ(Pcor__OpenShm(c.name, c.size, c.flag), nullptr); });
-        EXPECT_EQ(lines(err), c.lines) << (c.name ? c.name : "null") << " " << c.size << " " << c.flag << ": " << err;
+    const std::tuple<const char*, std::uint32_t, int, long> rows[] = {
+        {"/absent", kSize, kRo, 0}, {"/short", kSize, kRo, 1}, {"/short", kSize, kRw, 1}, {nullptr, 64, kRw, 1},
+        {"valid", 64, kRw, 1}, {"/", 64, kRw, 1}, {"/a/b", 64, kRw, 1}, {too_long.c_str(), 64, kRw, 1},
+        {"/valid", 64, 2, 1}, {"/valid", 64, -1, 1}, {"/valid", 0, kRw, 1}};
+    for (const auto& [name, size, flag, count] : rows) {
+        const std::string err = stderr_of([&] { EXPECT_EQ(Pcor__OpenShm(name, size, flag), nullptr); });
+        EXPECT_EQ(lines(err), count) << (name ? name : "null") << " " << size << " " << flag << ": " << err;
     }
     EXPECT_EQ(stat_of("/absent").first, -1);
     EXPECT_EQ(stat_of("/valid").first, -1);
@@ -238,42 +228,54 @@ TEST_F(RegionFileTest, RefusalsAndLimits) {
 // ---------------------------------------------------------------- traces
 
 constexpr char kPath[] = "data/swch/api-tarv";
-constexpr std::uint32_t kWarning = 2;
-constexpr std::uint32_t kError = 1;
 
 // One statement as the library makes it, gated by the platform only: debug at
 // levels 4 to 7 as Tarv__ReadMEP, warnings with code 3, errors with code 12.
 void trace(std::uint32_t level, std::uint32_t line, const char* text) {
-    TRCD_TRACE* object = level > kWarning ? &DBG_KELM : Trcd__GetTrace(TRCD_MODULE_KELM);
+    TRCD_TRACE* object = level > 2 ? &DBG_KELM : Trcd__GetTrace(TRCD_MODULE_KELM);
     WQ_beginImpl(object, level, kPath, line);
-    if (level > kWarning)
-        Pcor__PrintDebugTrace(object, level, "Tarv__ReadMEP", "%s", text);
-    else if (level == kWarning)
-        Pcor__PrintWarningTrace(object, "Tarv__GetConfig", TRCD_MODULE_KELM, 3, "%s", text);
-    else
-        Pcor__PrintErrorTrace(object, "Tarv__Open", TRCD_MODULE_KELM, 12, "%s", text);
+    if (level > 2) Pcor__PrintDebugTrace(object, level, "Tarv__ReadMEP", "%s", text);
+    else if (level == 2) Pcor__PrintWarningTrace(object, "Tarv__GetConfig", TRCD_MODULE_KELM, 3, "%s", text);
+    else Pcor__PrintErrorTrace(object, "Tarv__Open", TRCD_MODULE_KELM, 12, "%s", text);
     WQ_endImpl(object);
 }
 
 using TraceTest = HostTest;
 
-// Each statement is one line with its level, function, code and the place
-// its WQ_beginImpl gave on the same object; "?:0" outside such a statement.
-TEST_F(TraceTest, LinesCarryLevelFunctionCodePlaceAndMessage) {
+// Debug lines need DBG_KELM's level; warnings and errors need module 142's,
+// and neither level word plays a part in the other's lines. Other modules
+// share one object of level 0. Each statement is one line with its level,
+// function, code and the place its WQ_beginImpl gave on the same object,
+// "?:0" outside such a statement; a message is cut to the 1023 characters
+// its buffer holds.
+TEST_F(TraceTest, LinesFollowTheirObjectsLevelWordAndCarryTheStatement) {
+    TRCD_TRACE* other = Trcd__GetTrace(1);
+    EXPECT_EQ(Trcd__GetTrace(0xFFFFFFFFu), other);
+    EXPECT_TRUE(other != Trcd__GetTrace(TRCD_MODULE_KELM) && other != &DBG_KELM && other->lLevel == 0);
+    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, long> rows[] = {
+        {4, 9, 5, 0}, {4, 0, 4, 1}, {0, 9, 4, 0}, {0xFFFFFFFFu, 0, 7, 1}, {9, 0, 1, 0}, {0, 1, 1, 1}, {9, 1, 2, 0},
+        {0, 2, 2, 1}};
+    for (const auto& [debug_word, module_word, level, printed] : rows) {
+        TarvHost_SetDebugLevel(debug_word);
+        TarvHost_SetModuleLevel(module_word);
+        EXPECT_EQ(lines(stderr_of([&] { trace(level, 1, "text"); })), printed)
+            << debug_word << "/" << module_word << " L" << level;
+    }
     TarvHost_SetDebugLevel(7);
     TarvHost_SetModuleLevel(2);
     EXPECT_EQ(stderr_of([] {
                   WQ_beginImpl(&DBG_KELM, 5, kPath, 123);
                   Pcor__PrintDebugTrace(&DBG_KELM, 5, "Tarv__ReadMEP", "Mep %d of %s", 7, "MA-1");
                   WQ_endImpl(&DBG_KELM);
-                  trace(kError, 40, "KELM_SHARED_DATA");
-                  trace(kWarning, 77, "Class 999 unknown");
-                  trace(4, 1, "two\r\nparts\n\n");
+                  trace(1, 40, "KELM_SHARED_DATA");
+                  trace(2, 77, "Class 999 unknown");
+                  trace(4, 1, "two\r\nparts\r\n\n");
                   trace(4, 2, "");
                   Pcor__PrintDebugTrace(&DBG_KELM, 4, "Tarv__ReadMEP", "after end");
                   WQ_beginImpl(Trcd__GetTrace(TRCD_MODULE_KELM), 1, kPath, 9);
                   Pcor__PrintDebugTrace(&DBG_KELM, 4, "Tarv__ReadMEP", "other object");
                   WQ_endImpl(Trcd__GetTrace(TRCD_MODULE_KELM));
+                  trace(4, 4, std::string(5000, 'x').c_str());
               }),
               "tarv L5 Tarv__ReadMEP code=- data/swch/api-tarv:123: Mep 7 of MA-1\n"
               "tarv L1 Tarv__Open code=12 data/swch/api-tarv:40: KELM_SHARED_DATA\n"
@@ -281,31 +283,9 @@ TEST_F(TraceTest, LinesCarryLevelFunctionCodePlaceAndMessage) {
               "tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:1: two  parts\n"
               "tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:2: \n"
               "tarv L4 Tarv__ReadMEP code=- ?:0: after end\n"
-              "tarv L4 Tarv__ReadMEP code=- ?:0: other object\n");
-
-    // A message is cut to the 1023 characters its buffer holds, still one line.
-    EXPECT_EQ(stderr_of([] { trace(4, 4, std::string(5000, 'x').c_str()); }),
-              "tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:4: " + std::string(1023, 'x') + "\n");
-}
-
-// Debug lines need DBG_KELM's level; warnings and errors need module 142's,
-// and neither level word plays a part in the other's lines. Other modules
-// share one object of level 0.
-TEST_F(TraceTest, LinesFollowTheirObjectsLevelWord) {
-    TRCD_TRACE* other = Trcd__GetTrace(1);
-    EXPECT_EQ(Trcd__GetTrace(0xFFFFFFFFu), other);
-    EXPECT_TRUE(other != Trcd__GetTrace(TRCD_MODULE_KELM) && other != &DBG_KELM && other->lLevel == 0);
-    const struct {
-        std::uint32_t debug_word, module_word, level;
-        bool printed;
-    } cases[] = {{4, 9, 5, false},      {4, 0, 4, true},      {0, 9, 4, false},        {0xFFFFFFFFu, 0, 7, true},
-                 {9, 0, kError, false}, {0, 1, kError, true}, {9, 1, kWarning, false}, {0, 2, kWarning, true}};
-    for (const auto& c : cases) {
-        TarvHost_SetDebugLevel(c.debug_word);
-        TarvHost_SetModuleLevel(c.module_word);
-        EXPECT_EQ(lines(stderr_of([&] { trace(c.level, 1, "text"); })), c.printed ? 1 : 0)
-            << c.debug_word << "/" << c.module_word << " L" << c.level;
-    }
+              "tarv L4 Tarv__ReadMEP code=- ?:0: other object\n"
+              "tarv L4 Tarv__ReadMEP code=- data/swch/api-tarv:4: " +
+                  std::string(1023, 'x') + "\n");
 }
 
 // ---------------------------------------------------------------- model
@@ -347,26 +327,20 @@ std::string full_port_types() {
     return types + ",1/3=2";
 }
 
-// The low 24 bits take 0x100 * slot + port and wrap; the top three bytes stay.
+// The low 24 bits take 0x100 * slot + port and wrap; the top three bytes
+// stay. Without a base MAC no port has an address and the buffer stays.
 TEST_F(ModelTest, PortMacIsBaseMacPlusSlotAndPort) {
-    const Mac base{0x00, 0x10, 0x20, 0x00, 0x00, 0x10};
-    const Mac high{0x00, 0x10, 0x20, 0xFF, 0xFF, 0xF0};
-    const struct {
-        Mac base;
-        std::uint32_t slot, port;
-        Mac mac;
-    } cases[] = {{base, 1, 3, {0x00, 0x10, 0x20, 0x00, 0x01, 0x13}},
-                 {base, 1, 0x100, {0x00, 0x10, 0x20, 0x00, 0x02, 0x10}},
-                 {high, 0, 0x20, {0x00, 0x10, 0x20, 0x00, 0x00, 0x10}},
-                 {high, 0xFFFFFFFFu, 0, {0x00, 0x10, 0x20, 0xFF, 0xFE, 0xF0}}};
-    for (const auto& c : cases) {
-        TarvHost_SetBaseMac(c.base.data());
+    const Mac base{0x00, 0x10, 0x20, 0x00, 0x00, 0x10}, high{0x00, 0x10, 0x20, 0xFF, 0xFF, 0xF0};
+    const std::tuple<Mac, std::uint32_t, std::uint32_t, Mac> rows[] = {
+        {base, 1, 3, {0x00, 0x10, 0x20, 0x00, 0x01, 0x13}}, {base, 1, 0x100, {0x00, 0x10, 0x20, 0x00, 0x02, 0x10}},
+        {high, 0, 0x20, {0x00, 0x10, 0x20, 0x00, 0x00, 0x10}},
+        {high, 0xFFFFFFFFu, 0, {0x00, 0x10, 0x20, 0xFF, 0xFE, 0xF0}}};
+    for (const auto& [from, slot, port, want] : rows) {
+        TarvHost_SetBaseMac(from.data());
         Mac mac{};
-        EXPECT_EQ(Prtm__GetPortMacAddress(c.slot, c.port, mac.data()), 0);
-        EXPECT_EQ(mac, c.mac) << c.slot << "/" << c.port;
+        EXPECT_EQ(Prtm__GetPortMacAddress(slot, port, mac.data()), 0);
+        EXPECT_EQ(mac, want) << slot << "/" << port;
     }
-
-    // Without a base MAC no port has an address; the buffer stays as it was.
     EXPECT_EQ(Prtm__GetPortMacAddress(1, 1, nullptr), -1);
     TarvHost_SetBaseMac(nullptr);
     EXPECT_EQ(Hwin__GetUserPortBaseMacAddress(), nullptr);
@@ -385,13 +359,11 @@ TEST_F(ModelTest, SettersKeepWhatTheyAccept) {
     EXPECT_EQ(TarvHost_SetLagMembers(5, nullptr, 1), -1);
     EXPECT_EQ(TarvHost_SetLagMembers(256, ones.data(), 3), -1);
     EXPECT_EQ(lag_list(5), (LagList{2, 1, 1, 1, 1}));
-    EXPECT_EQ(lag_list(255), (LagList{9, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}))
-        << "nine members fill 19 bytes, the 20th stays zero";
+    EXPECT_EQ(lag_list(255), (LagList{9, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}));
     EXPECT_EQ(lag_list(0), LagList{}) << "lag 256 must not wrap onto lag 0";
     EXPECT_EQ(Prtm__LagGetLagPortList(5, nullptr), -1);
     ASSERT_EQ(TarvHost_SetLagMembers(5, nullptr, 0), 0);
     EXPECT_EQ(lag_list(5), LagList{});
-
     ASSERT_EQ(TarvHost_SetPortType(9, 1, 3), 0);
     EXPECT_EQ(Lanx__GetPbPortType(9, 1), 3);
     EXPECT_EQ(Lanx__GetPbPortType(1, 9), 1);
@@ -402,15 +374,14 @@ TEST_F(ModelTest, EnvironmentSetsTheModelUpToItsLimits) {
     EXPECT_EQ(Lanx__GetPbPortType(70000, 70000), 1);
 
     const std::string prefix(TARV_HOST_SHM_PREFIX_MAX, 'a');
-    setenv("TARV_DEBUG_LEVEL", "4294967295", 1);
-    setenv("TARV_TRACE_LEVEL", "0", 1);
-    setenv("TARV_BASE_MAC", "00:10:20:aB:Cd:10", 1);
-    setenv("TARV_SWITCH_MODE", "-2147483648", 1);
-    setenv("TARV_PORT_TYPES", full_port_types().c_str(), 1);
-    setenv("TARV_LAGS", "5=1/1,1/2;7=;255=1/2,3/4,5/6,7/8,9/10,11/12,13/14,15/16,255/255", 1);
-    setenv("TARV_SHM_PREFIX", prefix.c_str(), 1);
+    for (const auto& [name, value] : {std::pair<const char*, std::string>{"TARV_DEBUG_LEVEL", "4294967295"},
+                                      {"TARV_TRACE_LEVEL", "0"}, {"TARV_BASE_MAC", "00:10:20:aB:Cd:eF"},
+                                      {"TARV_SWITCH_MODE", "-2147483648"}, {"TARV_PORT_TYPES", full_port_types()},
+                                      {"TARV_LAGS", "5=1/1,1/2;7=;255=1/2,3/4,5/6,7/8,9/10,11/12,13/14,15/16,255/255"},
+                                      {"TARV_SHM_PREFIX", prefix}})
+        setenv(name, value.c_str(), 1);
     EXPECT_EQ(stderr_of(TarvHost_Reset), "");
-    EXPECT_TRUE((Snapshot{} == Snapshot{0xFFFFFFFFu, 0, {0x00, 0x10, 0x20, 0xAB, 0xCD, 0x10}, INT32_MIN, 2,
+    EXPECT_TRUE((Snapshot{} == Snapshot{0xFFFFFFFFu, 0, {0x00, 0x10, 0x20, 0xAB, 0xCD, 0xEF}, INT32_MIN, 2,
                                         LagList{2, 1, 1, 1, 2}, "/" + prefix + "kelm-data"}));
     EXPECT_EQ(Lanx__GetPbPortType(255, 255), INT32_MAX);
     EXPECT_EQ(Lanx__GetPbPortType(2, 62), -1);
@@ -424,16 +395,13 @@ TEST_F(ModelTest, EnvironmentSetsTheModelUpToItsLimits) {
     setenv("TARV_DEBUG_LEVEL", "loud", 1);
     for (const char* name : {"TARV_PORT_TYPES", "TARV_LAGS", "TARV_SHM_PREFIX"}) setenv(name, "", 1);
     EXPECT_EQ(lines(stderr_of(TarvHost_Reset)), 1);
-    EXPECT_TRUE((Snapshot{} == Snapshot{0, 0, {0x00, 0x10, 0x20, 0xAB, 0xCD, 0x10}, INT32_MIN, 1, {}, "/kelm-data"}));
+    EXPECT_TRUE((Snapshot{} == Snapshot{0, 0, {0x00, 0x10, 0x20, 0xAB, 0xCD, 0xEF}, INT32_MIN, 1, {}, "/kelm-data"}));
     EXPECT_EQ(lag_list(255), LagList{});
 }
 
 TEST_F(ModelTest, InvalidValuesAreIgnoredWithOneLineEach) {
     const Snapshot defaults;
-    const struct {
-        const char* name;
-        std::string value;
-    } cases[] = {
+    const std::pair<const char*, std::string> rows[] = {
         {"TARV_DEBUG_LEVEL", "-1"}, {"TARV_DEBUG_LEVEL", "4294967296"}, {"TARV_TRACE_LEVEL", " 2"},
         {"TARV_BASE_MAC", "00:10:20:00:00"}, {"TARV_BASE_MAC", "0:10:20:00:00:10"},
         {"TARV_BASE_MAC", "00:10:20:00:00:1g"}, {"TARV_SWITCH_MODE", "2147483648"}, {"TARV_SWITCH_MODE", "1.5"},
@@ -442,13 +410,13 @@ TEST_F(ModelTest, InvalidValuesAreIgnoredWithOneLineEach) {
         {"TARV_LAGS", "5=1/1,1/2,1/3,1/4,1/5,1/6,1/7,1/8,1/9,1/10"}, {"TARV_SHM_PREFIX", "a/b"},
         {"TARV_SHM_PREFIX", std::string(TARV_HOST_SHM_PREFIX_MAX + 1, 'a')},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, value] : rows) {
         clean_environment();
-        setenv(c.name, c.value.c_str(), 1);
+        setenv(name, value.c_str(), 1);
         const std::string err = stderr_of(TarvHost_Reset);
-        EXPECT_EQ(lines(err), 1) << c.name << "=" << c.value << ": " << err;
-        EXPECT_EQ(err.rfind(std::string("tarv-host: ignoring ") + c.name + "=", 0), 0u) << err;
-        EXPECT_TRUE(Snapshot{} == defaults) << c.name << "=" << c.value << " changed the model";
+        EXPECT_EQ(lines(err), 1) << name << "=" << value << ": " << err;
+        EXPECT_EQ(err.rfind(std::string("tarv-host: ignoring ") + name + "=", 0), 0u) << err;
+        EXPECT_TRUE(Snapshot{} == defaults) << name << "=" << value << " changed the model";
     }
 }
 

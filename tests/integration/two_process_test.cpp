@@ -1,14 +1,10 @@
-// The real libtarv.so on the host platform, between processes: a writer fills
-// the data region at offsets written down here from the region's contract,
-// not taken from the library, and a reader reads it back through the library,
-// so that a misplaced table in the library shows up as a difference.
-#include <gtest/gtest.h>
+// The real libtarv.so on the host platform, between processes over real
+// shared memory, each test with a private prefix.
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -23,22 +19,11 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr char kRegion[] = "/kelm-data";
-constexpr std::uint32_t kRegionSize = 453075;
-
-// A table pair of the region: key array, data array, sizes, slot count.
-struct Table {
-    std::uint32_t keys, key_size, data, record_size, slots;
-};
-constexpr Table kMep{387829, 14, 386293, 48, 32};
-constexpr std::uint32_t kMepOldMoids = 388277;
-
-// A MOID of these identifiers, then the bytes of `tail`.
-Bytes key(std::uint16_t w_class, std::initializer_list<std::uint32_t> ids, Bytes tail = {}) {
+// A key of class `w_class` whose identifiers are `ids`, little-endian.
+Bytes key(std::uint16_t w_class, std::initializer_list<std::uint32_t> ids) {
     Bytes k{static_cast<std::uint8_t>(w_class), static_cast<std::uint8_t>(w_class >> 8)};
     for (std::uint32_t id : ids)
         for (int shift = 0; shift < 32; shift += 8) k.push_back(static_cast<std::uint8_t>(id >> shift));
-    k.insert(k.end(), tail.begin(), tail.end());
     return k;
 }
 
@@ -52,53 +37,47 @@ Bytes record(std::uint32_t size, std::uint32_t seed) {
     return r;
 }
 
-struct Entry {
-    std::uint32_t slot;
-    Bytes key, record;
-};
-struct ClassData {
-    std::uint32_t id;
-    Table table;
-    std::vector<Entry> entries;  // in slot order
-};
-
-// What the writer puts into the region: first and last slots of the tables,
-// the 4096-slot class 581 up to its end, PM session slots 1 and 8, the
-// throughput history and the class 519 singleton. MEPs come first.
-const std::vector<ClassData> kClasses = {
-    {532,
-     kMep,
-     {{0, key(532, {1, 1, 1}), record(48, 5)},
-      {1, key(532, {1, 1, 2}), record(48, 6)},
-      {31, key(532, {2, 128, 32}), record(48, 7)}}},
-    {531, {385525, 6, 377205, 65, 128}, {{0, key(531, {1}), record(65, 1)}, {127, key(531, {128}), record(65, 2)}}},
-    {574, {375925, 10, 368629, 57, 128},
-     {{0, key(574, {1, 1}), record(57, 3)}, {127, key(574, {2, 128}), record(57, 4)}}},
-    {581, {253941, 6, 188405, 16, 4096}, {{0, key(581, {1}), record(16, 8)}, {4095, key(581, {4096}), record(16, 9)}}},
-    {674,
-     {447874, 15, 446731, 127, 9},
-     {{1, key(532, {1, 1, 1}, {1}), record(127, 10)}, {8, key(532, {2, 128, 32}, {8}), record(127, 11)}}},
-    {652, {395317, 4, 395721, 505, 101}, {{0, {4, 3, 2, 1}, record(505, 12)}, {100, {7, 0, 0, 0}, record(505, 13)}}},
-};
-const Bytes kClass519 = record(14, 519);  // the singleton at the region's start
-const std::vector<Entry>& kMeps = kClasses[0].entries;
-
-// Old MOID the controller keeps for a MEP slot: the MOID itself, except for
-// the last slot, whose MEP was renumbered.
-Bytes old_moid(const Entry& mep) { return mep.slot == 31 ? key(532, {9, 9, 9}) : mep.key; }
-
-void write_region(std::uint8_t* region) {
-    std::memcpy(region, kClass519.data(), kClass519.size());
-    for (const auto& c : kClasses) {
-        for (const auto& e : c.entries) {
-            std::memcpy(region + c.table.keys + e.slot * c.table.key_size, e.key.data(), e.key.size());
-            std::memcpy(region + c.table.data + e.slot * c.table.record_size, e.record.data(), e.record.size());
+// Removes the objects of `names` under this test's prefix, before and after.
+struct PrivateRegions {
+    std::vector<std::string> objects;
+    explicit PrivateRegions(std::initializer_list<const char*> names) {
+        const std::string prefix = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        EXPECT_EQ(TarvHost_SetShmPrefix((prefix.substr(0, 20) + std::to_string(getpid()) + "-").c_str()), 0);
+        for (const char* name : names) {
+            char object[TARV_HOST_SHM_NAME_MAX + 1];
+            EXPECT_EQ(TarvHost_ShmObjectName(name, object, sizeof object), 0);
+            objects.emplace_back(object);
+            shm_unlink(object);
         }
     }
-    for (const auto& e : kMeps)
-        std::memcpy(region + kMepOldMoids + e.slot * kMep.key_size, old_moid(e).data(), kMep.key_size);
-    const Bytes stray = record(48, 99);  // a MEP record without a key is an empty slot
-    std::memcpy(region + kMep.data + 5 * kMep.record_size, stray.data(), stray.size());
+    ~PrivateRegions() {
+        for (const std::string& o : objects) shm_unlink(o.c_str());
+        TarvHost_SetShmPrefix(nullptr);
+    }
+};
+
+// MEPs in slots 0, 1 and 31 (key array, data array, old MOID array at the
+// offsets the controller uses), the last slot of class 581 and a stray MEP
+// record behind an empty key.
+constexpr std::uint32_t kMepKeys = 387829, kMepData = 386293, kMepOldKeys = 388277;
+const std::vector<std::pair<Bytes, Bytes>> kMeps = {{key(532, {1, 1, 1}), record(48, 5)},
+                                                    {key(532, {1, 1, 2}), record(48, 6)},
+                                                    {key(532, {2, 128, 32}), record(48, 7)}};
+const std::uint32_t kMepSlots[] = {0, 1, 31};
+const Bytes k581 = key(581, {4096}), r581 = record(16, 9);
+
+void write_region(std::uint8_t* region) {
+    for (std::size_t i = 0; i < kMeps.size(); ++i) {
+        const std::uint32_t slot = kMepSlots[i];
+        const Bytes old = slot == 31 ? key(532, {9, 9, 9}) : kMeps[i].first;  // the last MEP was renumbered
+        std::copy(kMeps[i].first.begin(), kMeps[i].first.end(), region + kMepKeys + slot * 14);
+        std::copy(old.begin(), old.end(), region + kMepOldKeys + slot * 14);
+        std::copy(kMeps[i].second.begin(), kMeps[i].second.end(), region + kMepData + slot * 48);
+    }
+    const Bytes stray = record(48, 99);
+    std::copy(stray.begin(), stray.end(), region + kMepData + 5 * 48);
+    std::copy(k581.begin(), k581.end(), region + 253941 + 4095 * 6);
+    std::copy(r581.begin(), r581.end(), region + 188405 + 4095 * 16);
 }
 
 TARV_MOID as_moid(const Bytes& k) {
@@ -110,97 +89,134 @@ TARV_MOID as_moid(const Bytes& k) {
 // MEP MOIDs as the iterator hands them out.
 std::vector<Bytes> iterate_meps() {
     std::vector<Bytes> moids;
-    for (const TARV_MOID* m = Tarv__MEPMoidIterator(nullptr); m != nullptr && moids.size() <= kMep.slots;
-         m = Tarv__MEPMoidIterator(m)) {
-        const auto* b = reinterpret_cast<const std::uint8_t*>(m);
-        moids.emplace_back(b, b + TARV_MOID_SIZE);
-    }
+    for (const TARV_MOID* m = Tarv__MEPMoidIterator(nullptr); m != nullptr && moids.size() <= 32;
+         m = Tarv__MEPMoidIterator(m))
+        moids.emplace_back(reinterpret_cast<const std::uint8_t*>(m), reinterpret_cast<const std::uint8_t*>(m) + 14);
     return moids;
 }
 
-// Every class through Tarv__GetConfig asked for every slot, byte for byte:
-// key and record per entry, then an all-zero key (none for the history),
-// and nothing past them; then the MEP readers.
+// The MEPs by the iterator, their records and old MOIDs, and the transfer
+// list of class 581, byte for byte and nothing past it.
 void read_back() {
-    for (const auto& c : kClasses) {
-        Bytes want;
-        for (const auto& e : c.entries) {
-            want.insert(want.end(), e.key.begin(), e.key.end());
-            want.insert(want.end(), e.record.begin(), e.record.end());
-        }
-        if (c.id != 652) want.insert(want.end(), c.table.key_size, 0);
-        Bytes got(std::size_t{c.table.slots} * (c.table.key_size + c.table.record_size), 0xCC);
-        EXPECT_EQ(Tarv__GetConfig(c.id, got.data(), c.id == 652 ? 1 : c.table.slots), 0) << c.id;
-        want.resize(got.size(), 0xCC);
-        EXPECT_TRUE(got == want) << "class " << c.id << " differs from byte "
-                                 << std::mismatch(got.begin(), got.end(), want.begin()).first - got.begin();
-    }
-    Bytes singleton(kClass519.size() + 1, 0xCC), want = kClass519;
-    want.push_back(0xCC);  // the record, no terminator
-    Tarv__GetConfig(519, singleton.data(), 0);
-    EXPECT_EQ(singleton, want);
-
-    std::vector<Bytes> want_moids;
-    for (const auto& e : kMeps) {
-        want_moids.push_back(e.key);
-        Bytes got(TARV_MEP_RECORD_SIZE, 0xCC);
-        Tarv__ReadMEP(as_moid(e.key), got.data());
-        EXPECT_EQ(got, e.record) << "slot " << e.slot;
+    for (std::size_t i = 0; i < kMeps.size(); ++i) {
+        Bytes got(48, 0xCC);
+        Tarv__ReadMEP(as_moid(kMeps[i].first), got.data());
+        EXPECT_EQ(got, kMeps[i].second) << "slot " << kMepSlots[i];
         std::uint16_t index = 0xFFFF;
-        EXPECT_EQ(Tarv__GetMepIndexFromOldMoid(as_moid(old_moid(e)), &index), 0);
-        EXPECT_EQ(index, e.slot);
+        EXPECT_EQ(Tarv__GetMepIndexFromOldMoid(as_moid(i == 2 ? key(532, {9, 9, 9}) : kMeps[i].first), &index), 0);
+        EXPECT_EQ(index, kMepSlots[i]);
     }
-    EXPECT_EQ(iterate_meps(), want_moids);
+    EXPECT_EQ(iterate_meps(), (std::vector<Bytes>{kMeps[0].first, kMeps[1].first, kMeps[2].first}));
+    Bytes want = k581, got(k581.size() + r581.size() + 7, 0xCC);
+    want.insert(want.end(), r581.begin(), r581.end());
+    want.insert(want.end(), {0, 0, 0, 0, 0, 0, 0xCC});
+    EXPECT_EQ(Tarv__GetConfig(581, got.data(), 4096), 0);
+    EXPECT_EQ(got, want);
 }
 
-// The reader starts before the region exists: its attach fails with a trace
-// and succeeds on a later call. The writer attaches read-write, which makes
-// the region, and fills it; the reader reads it back, then follows a change
-// without attaching again.
+// The reader starts before the region exists: its attach fails and succeeds
+// on a later call. The writer attaches read-write, which makes the region,
+// and fills it at offsets written down here, not taken from the library; the
+// reader reads it back, then follows a change without attaching again. The
+// checkpoint is written whole, then a prefix of it, and read back in a
+// larger buffer.
 TEST(TwoProcessTest, ReaderStartedFirstReadsBackWhatTheWriterWrote) {
-    const std::string prefix = "i" + std::to_string(getpid()) + "-";
-    setenv("TARV_SHM_PREFIX", prefix.c_str(), 1);
-    TarvHost_Reset();  // the children inherit a model with a region of this process's own
-    const std::string object = "/" + prefix + (kRegion + 1);
-    shm_unlink(object.c_str());
-    Signal to_writer;
-    Signal to_reader;
+    const PrivateRegions regions{"/kelm-data", "/kelm-chkp-data"};
+    Bytes chkp = record(280, 280), head(10, 0xFF);
+    Signal to_writer, to_reader;
     const pid_t writer = spawn([&] {
         ASSERT_TRUE(to_writer.await('w'));
         Tarv__StorOpen();
-        auto* region = static_cast<std::uint8_t*>(Pcor__OpenShm(kRegion, kRegionSize, PCOR_SHM_READ_WRITE));
+        auto* region = static_cast<std::uint8_t*>(Pcor__OpenShm("/kelm-data", 453075, PCOR_SHM_READ_WRITE));
         ASSERT_NE(region, nullptr);
         write_region(region);
-        Bytes got(TARV_MEP_RECORD_SIZE, 0);
-        Tarv__ReadMEP(as_moid(kMeps[0].key), got.data());
-        EXPECT_EQ(got, kMeps[0].record) << "the read-write attach shows the region";
+        Tarv__ChkpOpen();
+        Tarv__SetChkpData(16, 1, chkp.data(), 280);
+        Tarv__SetChkpData(16, 1, head.data(), 10);
         to_reader.send('f');
         ASSERT_TRUE(to_writer.await('r'));
-        std::memset(region + kMep.keys + kMep.key_size, 0, kMep.key_size);  // the MEP of slot 1 goes
+        std::memset(region + kMepKeys + 14, 0, 14);  // the MEP of slot 1 goes
         to_reader.send('c');
     });
     const pid_t reader = spawn([&] {
-        char* traces = nullptr;
-        std::size_t size = 0;
-        std::FILE* stream = open_memstream(&traces, &size);
-        TarvHost_SetTraceStream(stream);
+        TarvHost_SetModuleLevel(0);  // the failed attach traces an error
         Tarv__Open();
         EXPECT_EQ(Tarv__MEPMoidIterator(nullptr), nullptr);
-        std::fflush(stream);
-        const std::string line(traces, size);
-        EXPECT_EQ(line.rfind("tarv L1 Tarv__Open code=12 data/swch/api-tarv:", 0), 0u) << line;
-        EXPECT_TRUE(line.ends_with(": KELM_SHARED_DATA\n")) << line;
         to_writer.send('w');
         ASSERT_TRUE(to_reader.await('f'));
         Tarv__Open();
         read_back();
+        Tarv__ChkpOpen();
+        std::uint16_t value = 0;
+        Bytes got(300, 0xCC);
+        Tarv__GetChkpData(16, &value, got.data(), 300);
+        std::copy(head.begin(), head.end(), chkp.begin());
+        chkp.resize(300, 0xCC);
+        EXPECT_EQ(value, 1);
+        EXPECT_EQ(got, chkp);
         to_writer.send('r');
         ASSERT_TRUE(to_reader.await('c'));
-        EXPECT_EQ(iterate_meps(), (std::vector<Bytes>{kMeps[0].key, kMeps[2].key}));
+        EXPECT_EQ(iterate_meps(), (std::vector<Bytes>{kMeps[0].first, kMeps[2].first}));
     });
     EXPECT_EQ(wait_for(writer), 0);
     EXPECT_EQ(wait_for(reader), 0);
-    shm_unlink(object.c_str());
+}
+
+// A list of class `id` over `slots` slots with a `size`-byte key whose last
+// identifier is the slot + 1 and a `record`-byte record; every other slot only
+// on odd rounds, so readers see slots come and go.
+Bytes list(std::uint16_t id, std::uint32_t size, std::uint32_t record, std::uint32_t slots, std::uint32_t round) {
+    Bytes l;
+    for (std::uint32_t s = 0; s < slots; ++s) {
+        if (round % 2 == 0 && s % 2 == 1) continue;
+        Bytes t = size == 14 ? key(id, {7, 7, s + 1}) : key(id, {s + 1});
+        t.resize(size + record, static_cast<std::uint8_t>(round + s));
+        l.insert(l.end(), t.begin(), t.end());
+    }
+    l.resize(l.size() + size, 0);
+    return l;
+}
+
+// One process rewrites the MEP, MIP and class 581 tables in a loop while two
+// others, attached read-only, walk and read them. Readers may see a class
+// empty or half written; they must never crash, hang or walk forever (a MOID
+// that vanishes under the walk restarts it at slot 0, so a walk can take more
+// than 32 steps, but not many more).
+TEST(ConfigConcurrencyTest, ReadersSurviveAWriterRewritingClasses) {
+    const PrivateRegions regions{"/kelm-data"};
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(1500);
+    const Signal go;
+    const auto read_for = [&] {
+        TarvHost_SetModuleLevel(0);  // a MEP that vanishes between walk and read traces an error
+        ASSERT_TRUE(go.await('g'));
+        Tarv__Open();
+        Bytes buffer(4096 * 22 + 6);
+        std::uint32_t walks = 0;
+        for (; Clock::now() < end; ++walks) {
+            int steps = 0;
+            for (const TARV_MOID* m = Tarv__MEPMoidIterator(nullptr); m != nullptr; m = Tarv__MEPMoidIterator(m)) {
+                ASSERT_LE(++steps, 32 * 32) << "the walk does not end";
+                std::uint8_t mep[TARV_MEP_RECORD_SIZE];
+                Tarv__ReadMEP(*m, mep);
+            }
+            for (auto [id, count] : {std::pair{532u, 32u}, {575u, 32u}, {581u, 4096u}})
+                ASSERT_EQ(Tarv__GetConfig(id, buffer.data(), count), 0);
+        }
+        EXPECT_GT(walks, 0u);
+    };
+    const pid_t writer = spawn([&] {
+        Tarv__StorOpen();
+        for (std::uint32_t round = 0; round == 0 || Clock::now() < end; ++round) {
+            ASSERT_EQ(Tarv__SetConfig(532, list(532, 14, 48, 32, round).data()), 0);
+            ASSERT_EQ(Tarv__SetConfig(575, list(575, 14, 14, 32, round).data()), 0);
+            ASSERT_EQ(Tarv__SetConfig(581, list(581, 6, 16, 4096, round).data()), 0);
+            if (round == 0) go.send('g'), go.send('g');
+        }
+    });
+    const pid_t readers[] = {spawn(read_for), spawn(read_for)};
+    EXPECT_EQ(wait_for(writer), 0);
+    for (pid_t r : readers) EXPECT_EQ(wait_for(r), 0);
 }
 
 }  // namespace

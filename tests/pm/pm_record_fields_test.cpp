@@ -22,16 +22,12 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
                                          << int{*diff.first} << ", expected " << int{*diff.second};
 }
 
-struct Shown {
-    double value;  // a Count field gets it as uint32
-    const char* text;
-};
-
 // The MS record holds distinct non-zero bytes (each char[20] is 20 characters
 // long) with reals[k] and counts[k] in the k-th Real and Count field. The IM
 // record starts as 0xEE, so a byte written where nothing belongs, or left
 // where a terminator belongs, shows; bytes after a terminator stay 0xEE.
-void expect_ms_to_im(const Form& form, const std::vector<Shown>& reals, const std::vector<Shown>& counts) {
+void expect_ms_to_im(const Form& form, const std::vector<std::pair<double, const char*>>& reals,
+                     const std::vector<std::pair<std::uint32_t, const char*>>& counts) {
     Bytes ms(form.ms_size), im(form.im_size, 0xEE), expected(form.im_size, 0xEE);
     for (std::size_t i = 0; i < ms.size(); ++i) ms[i] = static_cast<std::uint8_t>(i + 1);
     std::size_t r = 0, c = 0;
@@ -40,11 +36,11 @@ void expect_ms_to_im(const Form& form, const std::vector<Shown>& reals, const st
             std::memcpy(&expected[f.im], &ms[f.ms], im_width(f.kind));
             if (f.kind == Kind::Text) expected[f.im + 19] = 0;  // the 20th character is dropped
         } else if (f.kind == Kind::Real) {
-            store_le<double>(&ms[f.ms], reals.at(r).value);
-            put_text(&expected[f.im], reals.at(r++).text);
+            store_le<double>(&ms[f.ms], reals.at(r).first);
+            put_text(&expected[f.im], reals.at(r++).second);
         } else if (f.kind == Kind::Count) {
-            store_le<std::uint32_t>(&ms[f.ms], static_cast<std::uint32_t>(counts.at(c).value));
-            put_text(&expected[f.im], counts.at(c++).text);
+            store_le<std::uint32_t>(&ms[f.ms], counts.at(c).first);
+            put_text(&expected[f.im], counts.at(c++).second);
         }
     }
     ASSERT_TRUE(r == reals.size() && c == counts.size()) << form.name;
@@ -52,15 +48,11 @@ void expect_ms_to_im(const Form& form, const std::vector<Shown>& reals, const st
     EXPECT_TRUE(same_bytes(im, expected)) << form.name;
 }
 
-struct Read {
-    const char* text;
-    std::optional<double> value;  // none: no number, the MS field keeps its bytes
-};
-
 // The IM record holds a byte pattern that differs within any 256 bytes, the
 // texts of reals in its Real fields and "123 us" in its Count fields; the MS
-// record starts as 0x5A, which its Count fields and MS-only bytes keep.
-void expect_im_to_ms(const Form& form, const std::vector<Read>& reals) {
+// record starts as 0x5A, which its Count fields and MS-only bytes keep, and
+// so does a Real field whose text has no number.
+void expect_im_to_ms(const Form& form, const std::vector<std::pair<const char*, std::optional<double>>>& reals) {
     Bytes im(form.im_size), ms(form.ms_size, 0x5A), expected(form.ms_size, 0x5A);
     for (std::size_t i = 0; i < im.size(); ++i) im[i] = static_cast<std::uint8_t>(i * 7 + 1);
     std::size_t r = 0;
@@ -68,8 +60,8 @@ void expect_im_to_ms(const Form& form, const std::vector<Read>& reals) {
         if (f.kind == Kind::Word || f.kind == Kind::Byte || f.kind == Kind::Text) {
             std::memcpy(&expected[f.ms], &im[f.im], ms_width(f.kind));  // a char[20] as is, no terminator
         } else if (f.kind == Kind::Real) {
-            put_text(&im[f.im], reals.at(r).text);
-            if (const auto value = reals.at(r++).value) store_le<double>(&expected[f.ms], *value);
+            put_text(&im[f.im], reals.at(r).first);
+            if (const auto value = reals.at(r++).second) store_le<double>(&expected[f.ms], *value);
         } else if (f.kind == Kind::Count) {
             put_text(&im[f.im], "123 us");
         }
@@ -84,7 +76,7 @@ TEST(PmRecordFields, MsToImWritesEveryFieldInItsPlaceAndNothingElse) {
                     {{12.345, "12.35 us"}, {0.005, "0.01 us"}, {-3.0, "-3.00 us"}, {250.5, "250.50 us"},
                      {2.675, "2.67 us"}, {0.125, "0.12 us"}, {0.375, "0.38 us"}, {-0.0, "-0.00 us"},
                      {std::nan(""), "nan us"}, {-kInf, "-inf us"}, {1e30, "1e+30 us"}, {123456.789, "123456.79 us"}},
-                    {{0, "0 us"}, {4294967295.0, "4294967295 us"}, {7, "7 us"}, {1000000, "1000000 us"}});
+                    {{0, "0 us"}, {4294967295u, "4294967295 us"}, {7, "7 us"}, {1000000, "1000000 us"}});
     expect_ms_to_im(kLm,
                     {{12.5, "12.50 %"}, {0.125, "0.12 %"}, {100.0, "100.00 %"}, {-1.5, "-1.50 %"},
                      {1e27, "1e+27 %"}, {3.14159, "3.14 %"}},
@@ -106,23 +98,19 @@ TEST(PmRecordFields, ImToMsReadsEveryFieldAndLeavesTheMsOnlyPartsAlone) {
 // write past the last byte of either record faults. Every IM text is
 // unterminated; every MS value has the longest text that fits.
 TEST(PmRecordFields, ConversionsStayInsideBothRecords) {
-    const struct {
-        const Form& form;
-        double longest;
-        const char* text;
-    } cases[] = {{kDm, -std::nextafter(1e25, 0.0), "-9999999999999998758486016.00 us"},
-                 {kLm, -std::nextafter(1e26, 0.0), "-99999999999999987584860160.00 %"}};
-    for (const auto& c : cases) {
-        GuardedBytes ms(c.form.ms_size), im(c.form.im_size);
-        const Field last = c.form.of(Kind::Real).back();
+    const std::tuple<const Form&, double, const char*> rows[] = {
+        {kDm, -std::nextafter(1e25, 0.0), "-9999999999999998758486016.00 us"},
+        {kLm, -std::nextafter(1e26, 0.0), "-99999999999999987584860160.00 %"}};
+    for (const auto& [form, longest, text] : rows) {
+        GuardedBytes ms(form.ms_size), im(form.im_size);
+        const Field last = form.of(Kind::Real).back();
         im.fill('7');
-        c.form.im2ms(ms.data(), im.data());
-        EXPECT_EQ(load_le<double>(ms.data() + last.ms), 777777777777777777777777777777777.0) << c.form.name;
-
-        for (const Field& f : c.form.of(Kind::Real)) store_le<double>(ms.data() + f.ms, c.longest);
-        for (const Field& f : c.form.of(Kind::Count)) store_le<std::uint32_t>(ms.data() + f.ms, 4294967295u);
-        c.form.ms2im(im.data(), ms.data());
-        EXPECT_EQ(text33(im.data() + last.im), c.text);
+        form.im2ms(ms.data(), im.data());
+        EXPECT_EQ(load_le<double>(ms.data() + last.ms), 777777777777777777777777777777777.0) << form.name;
+        for (const Field& f : form.of(Kind::Real)) store_le<double>(ms.data() + f.ms, longest);
+        for (const Field& f : form.of(Kind::Count)) store_le<std::uint32_t>(ms.data() + f.ms, 4294967295u);
+        form.ms2im(im.data(), ms.data());
+        EXPECT_EQ(text33(im.data() + last.im), text);
     }
 }
 

@@ -1,7 +1,8 @@
 // Texts of the PM record conversions against the C library itself: over a
 // million doubles of every magnitude, sign and class formatted as snprintf
-// formats them, generated texts read as sscanf reads them, in the C locale and
-// in locales with other decimal points; and the 32-character limit.
+// formats them (around the 32-character limit too), generated texts read as
+// sscanf reads them, in every rounding mode, in the C locale and in locales
+// with other decimal points.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -59,9 +60,7 @@ public:
                 if (rng_() % 4 != 0) t += '.';
                 digits(t, below(25));
                 break;
-            case 7:
-                t += pick(words);
-                break;
+            case 7: t += pick(words); break;
             case 8:  // long runs of zeros around a point
                 t += std::string(static_cast<std::size_t>(below(30)), '0') + std::to_string(rng_() % 1000000);
                 if (coin()) t += "." + std::string(static_cast<std::size_t>(below(25)), '0') + std::to_string(rng_() % 1000);
@@ -86,45 +85,38 @@ private:
     std::uint64_t bits(int n) { return n == 0 ? 0 : rng_() >> (64 - n); }
     template <std::size_t N>
     const char* pick(const char* const (&list)[N]) { return list[rng_() % N]; }
-    void digits(std::string& t, int n) {
-        for (; n > 0; --n) t += static_cast<char>('0' + below(10));
-    }
+    void digits(std::string& t, int n) { for (; n > 0; --n) t += static_cast<char>('0' + below(10)); }
     double nudged(double v, int steps) {  // a few representable steps up or down
         const double toward = coin() ? 0.0 : DBL_MAX;
         for (; steps > 0; --steps) v = std::nextafter(v, toward);
         return v;
     }
 
+    // Every class from any bit pattern; magnitudes that print in full;
+    // hundredths as the controller produces them; decimal near-ties x.xx5;
+    // exact binary ties (odd multiples of 1/8); subnormals and the smallest
+    // normals; around the 32-character limit of both units; around powers of
+    // two where integer handling changes; integers; special values; just
+    // beside the rounding threshold of a hundredth.
     double magnitude() {
+        const int e[] = {52, 53, 63, 64, 84, 89, 90, 1023};
         switch (rng_() % 12) {
-            case 0:  // any bit pattern: every class, mostly far out of range
-                return std::fabs(std::bit_cast<double>(rng_()));
-            case 1:  // the magnitudes that print in full
-            case 2:
-                return std::ldexp(static_cast<double>(bits(53) | (1ull << 52)), below(130) - 92);
-            case 3:  // hundredths, as the controller produces them
-                return nudged(static_cast<double>(bits(40)) / 100.0, below(2));
-            case 4:  // decimal near-ties x.xx5, just above or below in binary
-                return static_cast<double>(bits(below(40)) * 10 + 5) / 1000.0;
-            case 5:  // exact binary ties: odd multiples of 1/8
-                return static_cast<double>(bits(below(47))) + static_cast<double>(2 * below(4) + 1) / 8.0;
-            case 6:  // subnormals and the smallest normals
-                return std::bit_cast<double>(bits(53) & (coin() ? 0x000FFFFFFFFFFFFFu : 0x001FFFFFFFFFFFFFu));
-            case 7:  // around the 32-character limit of both units
-                return nudged(std::pow(10.0, static_cast<double>(24 + below(5))), below(64));
-            case 8: {  // around powers of two where integer handling changes
-                const int e[] = {52, 53, 63, 64, 84, 89, 90, 1023};
-                return nudged(std::ldexp(1.0, e[below(8)]), below(4));
-            }
-            case 9:  // integers
-                return static_cast<double>(bits(below(65)));
+            case 0: return std::fabs(std::bit_cast<double>(rng_()));
+            case 1:
+            case 2: return std::ldexp(static_cast<double>(bits(53) | (1ull << 52)), below(130) - 92);
+            case 3: return nudged(static_cast<double>(bits(40)) / 100.0, below(2));
+            case 4: return static_cast<double>(bits(below(40)) * 10 + 5) / 1000.0;
+            case 5: return static_cast<double>(bits(below(47))) + static_cast<double>(2 * below(4) + 1) / 8.0;
+            case 6: return std::bit_cast<double>(bits(53) & (coin() ? 0x000FFFFFFFFFFFFFu : 0x001FFFFFFFFFFFFFu));
+            case 7: return nudged(std::pow(10.0, static_cast<double>(24 + below(5))), below(64));
+            case 8: return nudged(std::ldexp(1.0, e[below(8)]), below(4));
+            case 9: return static_cast<double>(bits(below(65)));
             case 10: {
                 const double specials[] = {0.0,      DBL_MAX, DBL_MIN, DBL_TRUE_MIN, INFINITY,
                                            std::bit_cast<double>(0x7FF0000000000000u | bits(52) | 1u), 0.005, 0.015};
                 return specials[below(8)];
             }
-            default:  // just beside the rounding threshold of a hundredth
-                return nudged(static_cast<double>(bits(30) * 2 + 1) / 200.0, 1);
+            default: return nudged(static_cast<double>(bits(30) * 2 + 1) / 200.0, 1);
         }
     }
 
@@ -151,10 +143,8 @@ std::size_t expect_c_library_texts(std::uint64_t seed, std::size_t per_form, std
             for (const Field& f : reals) {
                 const double v = load_le<double>(&ms[f.ms]);
                 const std::string want = reference_text(v, form->unit), got = text33(&im[f.im]);
-                if (got != want) {
-                    ADD_FAILURE() << std::hexfloat << v << ": \"" << got << "\", not \"" << want << '"';
-                    ++failures;
-                }
+                EXPECT_EQ(got, want) << std::hexfloat << v;
+                failures += got != want;
             }
             formatted += reals.size();
             if (round % read_every != 0) continue;
@@ -167,10 +157,8 @@ std::size_t expect_c_library_texts(std::uint64_t seed, std::size_t per_form, std
             for (const Field& f : reals) {
                 const std::uint64_t want = reference_value(&im[f.im]).value_or(kUntouched);
                 const auto got = load_le<std::uint64_t>(&ms[f.ms]);
-                if (got != want) {
-                    ADD_FAILURE() << '"' << text33(&im[f.im]) << "\": " << std::hex << got << ", not " << want;
-                    ++failures;
-                }
+                EXPECT_EQ(got, want) << '"' << text33(&im[f.im]) << '"';
+                failures += got != want;
             }
         }
     }
@@ -179,15 +167,6 @@ std::size_t expect_c_library_texts(std::uint64_t seed, std::size_t per_form, std
 
 TEST(PmRecordOracle, AMillionDoublesAndTheirTextsAsTheCLibraryHasThem) {
     EXPECT_GE(expect_c_library_texts(20240611, 540000, 3), 1000000u);
-}
-
-// The text the first Real field of form receives for value.
-std::string text_of(const Form& form, double value) {
-    const Field f = form.of(Kind::Real).front();
-    Bytes ms(form.ms_size, 0), im(form.im_size, 0xEE);
-    store_le<double>(&ms[f.ms], value);
-    form.ms2im(im.data(), ms.data());
-    return text33(&im[f.im]);
 }
 
 // The bits the first Real field of form receives from text; none when it
@@ -202,53 +181,12 @@ std::optional<std::uint64_t> value_of(const Form& form, const char* text) {
     return got == kUntouched ? std::nullopt : std::optional(got);
 }
 
-std::optional<std::uint64_t> bits(double v) { return std::bit_cast<std::uint64_t>(v); }
-
-// The longest "%.2f" text that fits has 32 characters; one more and the value
-// is written as "%.17g" with the unit, which reads back as the same double.
-TEST(PmRecordText, TextsBeyond32CharactersSwitchToSeventeenDigits) {
-    const struct {
-        const Form& form;
-        double value;
-        const char* text;
-    } cases[] = {
-        {kDm, std::nextafter(1e26, 0.0), "99999999999999987584860160.00 us"},
-        {kDm, 1e26, "1e+26 us"},
-        {kDm, -std::nextafter(1e25, 0.0), "-9999999999999998758486016.00 us"},
-        {kDm, -1e25, "-1.0000000000000001e+25 us"},
-        {kLm, std::nextafter(1e27, 0.0), "999999999999999875848601600.00 %"},
-        {kLm, 1e27, "1e+27 %"},
-        {kLm, -std::nextafter(1e26, 0.0), "-99999999999999987584860160.00 %"},
-        {kLm, -1e26, "-1e+26 %"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(text_of(c.form, c.value), c.text);
-        EXPECT_EQ(value_of(c.form, c.text), bits(c.value)) << c.text;
-    }
-}
-
-// Texts without a number, and texts around the limits of a plain decimal
-// that the library may read by itself: 15 significant digits, 22 decimals.
-TEST(PmRecordText, ReadsLikeSscanfAroundThePlainDecimalLimits) {
-    const char* const texts[] = {
-        "", "   ", "abc", "-", "+", ".", "-.", "us 5", "e5", "1e", "1e+", "0x", "0xg", "infinit", "nanx",
-        "\t\n\v\f\r 12", "5.", "1,5", "1.5e3us", "-Infinity us", "NaN(12ab)", "9007199254740993",
-        "123456789012345", "1234567890123456", "999999999999999.9", "0.123456789012345", "0.1234567890123456",
-        "0.0000000000000000000001", "0.00000000000000000000001", "000000000000000000000001.5",
-        "0.30000000000000004", "2.2250738585072014e-308", "4.9e-324", "1e400", "-1e-400",
-        "12345678901234567890123456789012345",
-    };
-    for (const char* t : texts) {
-        std::uint8_t field[kText33] = {};
-        put_text(field, t);
-        EXPECT_EQ(value_of(kDm, t), reference_value(field)) << '"' << t << '"';
-    }
-}
-
 // The process owns the rounding mode: texts are read as sscanf reads them in
 // each of the four modes, negative texts included (the sign must take part in
-// the one rounding step). Generated texts first, then the plain decimals that
-// the library may read by itself and whose last digit forces a rounding.
+// the one rounding step). Generated texts first, then texts without a number
+// and texts around the limits of a plain decimal that the library may read
+// by itself (15 significant digits, 22 decimals), some of whose last digit
+// forces a rounding.
 class PmRecordRoundingMode : public ::testing::TestWithParam<int> {
 protected:
     void SetUp() override { ASSERT_EQ(std::fesetround(GetParam()), 0); }
@@ -275,7 +213,14 @@ TEST_P(PmRecordRoundingMode, ReadsTextsAsSscanfDoesInTheCurrentMode) {
         EXPECT_EQ(value_of(kDm, shown), reference_value(field)) << '"' << shown << '"';
         if (HasFailure()) break;
     }
-    for (const char* t : {"-0.1 us", "0.1 us", "-2.675", "-123456789012.345", "-0.000000000000000000001"}) {
+    for (const char* t : {"", "   ", "abc", "-", "+", ".", "-.", "us 5", "e5", "1e", "1e+", "0x", "0xg", "infinit",
+                          "nanx", "\t\n\v\f\r 12", "5.", "1,5", "1.5e3us", "-Infinity us", "NaN(12ab)",
+                          "9007199254740993", "123456789012345", "1234567890123456", "999999999999999.9",
+                          "0.123456789012345", "0.1234567890123456", "0.0000000000000000000001",
+                          "0.00000000000000000000001", "000000000000000000000001.5", "0.30000000000000004",
+                          "2.2250738585072014e-308", "4.9e-324", "1e400", "-1e-400",
+                          "12345678901234567890123456789012345", "-0.1 us", "0.1 us", "-2.675", "-123456789012.345",
+                          "-0.000000000000000000001"}) {
         std::uint8_t field[kText33] = {};
         put_text(field, t);
         EXPECT_EQ(value_of(kLm, t), reference_value(field)) << '"' << t << '"';
@@ -285,47 +230,30 @@ TEST_P(PmRecordRoundingMode, ReadsTextsAsSscanfDoesInTheCurrentMode) {
 INSTANTIATE_TEST_SUITE_P(PmRecord, PmRecordRoundingMode,
                          ::testing::Values(FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO),
                          [](const auto& p) {
-                             switch (p.param) {
-                                 case FE_UPWARD: return std::string("Upward");
-                                 case FE_DOWNWARD: return std::string("Downward");
-                                 case FE_TOWARDZERO: return std::string("TowardZero");
-                                 default: return std::string("ToNearest");
-                             }
+                             return std::string(p.param == FE_UPWARD     ? "Upward"
+                                                : p.param == FE_DOWNWARD ? "Downward"
+                                                : p.param == FE_TOWARDZERO ? "TowardZero" : "ToNearest");
                          });
 
-// Switches LC_NUMERIC for the rest of the test and back to "C" after. A
-// missing locale skips the test, unless TARV_REQUIRE_LOCALES=1 asks that it
-// fail (CI generates the locales it needs).
-struct NumericLocale {
-    explicit NumericLocale(const char* name) : ok(std::setlocale(LC_NUMERIC, name) != nullptr) {}
-    ~NumericLocale() { std::setlocale(LC_NUMERIC, "C"); }
-    const bool ok;
+// Locales whose decimal point is a comma and a character of two bytes (U+066B
+// in UTF-8). A missing locale skips the test, unless TARV_REQUIRE_LOCALES=1
+// asks that it fail (CI generates the locales it needs).
+class PmRecordLocale : public ::testing::TestWithParam<const char*> {
+protected:
+    void TearDown() override { std::setlocale(LC_NUMERIC, "C"); }
 };
 
-#define TARV_ENTER_LOCALE(name)                                                          \
-    const NumericLocale numeric_locale(name);                                            \
-    if (!numeric_locale.ok) {                                                            \
-        const char* required = std::getenv("TARV_REQUIRE_LOCALES");                      \
-        if (required != nullptr && std::strcmp(required, "1") == 0) FAIL() << "no locale " name; \
-        GTEST_SKIP() << "locale " name " is not installed (localedef -i ... -f UTF-8)";  \
+TEST_P(PmRecordLocale, TextsAsTheCLibraryHasThemInTheLocale) {
+    if (std::setlocale(LC_NUMERIC, GetParam()) == nullptr) {
+        const char* required = std::getenv("TARV_REQUIRE_LOCALES");
+        if (required != nullptr && std::strcmp(required, "1") == 0) FAIL() << "no locale " << GetParam();
+        GTEST_SKIP() << "locale " << GetParam() << " is not installed (localedef -i ... -f UTF-8)";
     }
-
-TEST(PmRecordLocale, CommaDecimalPoint) {
-    TARV_ENTER_LOCALE("de_DE.UTF-8");
-    EXPECT_EQ(text_of(kDm, 250.5), "250,50 us");
-    EXPECT_EQ(text_of(kLm, -12.5), "-12,50 %");
-    EXPECT_EQ(text_of(kDm, 1.5e30), "1,4999999999999999e+30 us");
-    EXPECT_EQ(value_of(kDm, "7,5 us"), bits(7.5));
-    EXPECT_EQ(value_of(kDm, "7.5 us"), bits(7.0));
-    expect_c_library_texts(7, 20000, 1);
+    expect_c_library_texts(static_cast<std::uint8_t>(GetParam()[0]), 20000, 1);
 }
 
-// A decimal point of two bytes (U+066B in UTF-8).
-TEST(PmRecordLocale, MultiByteDecimalPoint) {
-    TARV_ENTER_LOCALE("ps_AF.UTF-8");
-    ASSERT_GT(std::strlen(std::localeconv()->decimal_point), 1u);
-    expect_c_library_texts(9, 20000, 1);
-}
+INSTANTIATE_TEST_SUITE_P(PmRecord, PmRecordLocale, ::testing::Values("de_DE.UTF-8", "ps_AF.UTF-8"),
+                         [](const auto& p) { return std::string(p.param).substr(0, 5); });
 
 }  // namespace
 }  // namespace tarv::testing

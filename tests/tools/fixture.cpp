@@ -1,10 +1,12 @@
 // Writes the saved regions the tarvctl tests run on, through the library's
-// own table directory and field list:
+// own table directory and field list, from the demo region that `tarvctl
+// demo` wrote (demo.bin, as the configuration-database manager and the
+// controller leave a region):
 //   empty.bin   a zero-filled region
-//   demo.bin    a realistic configuration, as the configuration-database
-//               manager and the controller leave it
-//   demo2.bin   demo.bin with a MEP added and a MIP removed
-//   faults.bin  demo.bin with one fault of every kind `check` reports
+//   demo2.bin   demo.bin with a MEP added, a MIP removed, and alarm bits
+//               raised on a MEP and a PM session and cleared on a MEP
+//   faults.bin  demo.bin with one fault of every kind `check` reports, and
+//               alarms whose MEP or session is gone
 //   short.bin   1000 bytes, not a region
 // Usage: tarvctl_fixture DIRECTORY
 #include <cstdio>
@@ -57,6 +59,11 @@ public:
         const bool ok = f != nullptr && std::fwrite(bytes_.data(), 1, bytes_.size(), f) == bytes_.size();
         return f != nullptr && std::fclose(f) == 0 && ok;
     }
+    bool load(const std::string& path) {
+        std::FILE* f = std::fopen(path.c_str(), "rb");
+        const bool ok = f != nullptr && std::fread(bytes_.data(), 1, bytes_.size(), f) == bytes_.size();
+        return f != nullptr && std::fclose(f) == 0 && ok;
+    }
 
 private:
     std::vector<std::uint8_t> bytes_;
@@ -75,24 +82,11 @@ void set_mac(Region& r, Table t, std::uint32_t slot, tarv::Bytes field, std::uin
            field.offset);
 }
 
-void md(Region& r, std::uint32_t id, const char* name, std::uint32_t level_code) {
-    r.key(Table::MdMoidArray, id - 1, 531, {id});
-    r.text(Table::MdDataArray, id - 1, tarv::md::acMdName, name);
-    r.set(Table::MdDataArray, id - 1, tarv::md::eMdLevel, level_code);
-}
-
 void ma(Region& r, std::uint32_t md_id, std::uint32_t id, const char* name, std::uint32_t ccm) {
     r.key(Table::MaNetMoidArray, id - 1, 574, {md_id, id});
     r.text(Table::MaNetDataArray, id - 1, tarv::manet::acMaName, name);
     r.set(Table::MaNetDataArray, id - 1, tarv::manet::dwCcmPeriod, ccm);
     r.fill(Table::MaNetDataArray, id - 1, {0x01, 0x00, 0x00, 0x00});  // the controller's own bytes
-}
-
-void comp(Region& r, std::uint32_t md_id, std::uint32_t ma_id, std::uint32_t id, std::uint32_t tagging,
-          std::uint16_t vid) {
-    r.key(Table::MACompMoidArray, id - 1, 573, {md_id, ma_id, id});
-    r.set(Table::MACompDataArray, id - 1, tarv::macomp::eTagging, tagging);
-    r.set(Table::MACompDataArray, id - 1, tarv::macomp::wVid, vid);
 }
 
 struct MepDef {
@@ -124,14 +118,6 @@ void mep(Region& r, const MepDef& m) {
     r.set(d, s, tarv::mep::byPort, m.port);
 }
 
-void mip(Region& r, std::uint32_t md_id, std::uint32_t ma_id, std::uint32_t id, std::uint8_t slot, std::uint8_t port) {
-    r.key(Table::MipMoidArray, id - 1, 575, {md_id, ma_id, id});
-    r.key(Table::Class578MoidArray, id - 1, 578, {md_id, ma_id, id});
-    set_mac(r, Table::MipDataArray, id - 1, tarv::mip::abyMacAddress, slot, port);
-    r.set(Table::MipDataArray, id - 1, tarv::mip::bySlot, slot);
-    r.set(Table::MipDataArray, id - 1, tarv::mip::byPort, port);
-}
-
 void throughput(Region& r, std::initializer_list<std::uint32_t> key, std::uint32_t status, std::uint32_t a,
                 std::uint16_t b, std::uint16_t c, std::uint16_t derived) {
     const std::uint32_t s = *(key.end() - 1) - 1;
@@ -144,68 +130,19 @@ void throughput(Region& r, std::initializer_list<std::uint32_t> key, std::uint32
     r.set(d, s, tarv::throughput::wDerived, derived);
 }
 
-void history(Region& r, std::uint32_t slot, std::uint32_t id, const char* result) {
-    tarv::store_le(r.at(Table::ThroughputHistoryIdArray, slot), id);
-    r.fill(Table::ThroughputHistoryDataArray, slot, {0x01, 0x00, 0x00, 0x00, static_cast<std::uint8_t>(id)});
-    r.text(Table::ThroughputHistoryDataArray, slot, tarv::history::acResult, result);
-}
-
-void pm_session(Region& r, std::uint32_t session, std::uint32_t md_id, std::uint32_t ma_id, std::uint32_t mep_id) {
-    for (Table t : {Table::PMSessionMoidArray, Table::PMSessionOldMoidArray, Table::PMAlarmMoidArray})
-        r.key(t, session, 674, {md_id, ma_id, mep_id}, static_cast<int>(session));
-    r.fill(Table::PMSessionDataArray, session, {0x02, 0x00, 0x00, 0x00, 0x0a, static_cast<std::uint8_t>(session)});
-}
-
-Region demo() {
-    Region r;
-    r.fill(Table::Class519Record, 0, {0x01, 0x00, 0x00, 0x00, 0x05, 0x00, 0x00, 0x00, 0x2a});
-    r.fill(Table::Class523Record, 0, {0x10, 0x27, 0x00, 0x00, 0x01});
-    r.fill(Table::Class673Record, 0, {0x03, 0x00, 0x00, 0x00, 0x01});
-    md(r, 1, "Customer", 6);
-    md(r, 2, "Provider", 4);
-    md(r, 3, "Operator", 8);
-    ma(r, 1, 1, "CustomerVPN-100", 4);
-    ma(r, 2, 2, "Backbone-200", 2);
-    ma(r, 3, 3, "Metro-VFI-7", 4);
-    comp(r, 1, 1, 1, 1, 100);
-    comp(r, 2, 2, 2, 2, 200);
-    comp(r, 3, 3, 3, 5, 7);
-    mep(r, {1, 1, 1, 101, 1, 100, 1, 3, 0});
-    mep(r, {1, 1, 2, 102, 2, 100, 2, 5, 0x0005});
-    mep(r, {2, 2, 3, 201, 1, 200, 4, 2, 0});
-    mep(r, {2, 2, 4, 202, 2, 200, 3, 7, 0x0002});
-    mep(r, {3, 3, 5, 301, 1, 7, 1, 4, 0});
-    r.fill(Table::BandwidthNotificationDataArray, 0, {0x01, 0x00, 0x00, 0x00, 0xe8, 0x03, 0x00, 0x00, 0x02});
-    r.fill(Table::BandwidthNotificationDataArray, 2, {0x01, 0x00, 0x00, 0x00, 0x10, 0x27, 0x00, 0x00, 0x01});
-    r.text(Table::MepAlarmTextArray, 1, {Table::MepAlarmTextArray, 0, 81}, "RDI received from MEP 12");
-    mip(r, 1, 1, 1, 1, 4);
-    mip(r, 2, 2, 2, 2, 6);
-    throughput(r, {1, 1, 1, 1}, 2, 2, 125, 4, 4);
-    throughput(r, {2, 2, 3, 2}, 1, 100, 10, 1, 1);
-    history(r, 0, 1, "1/1/1 test 1: 96.40 Mbit/s, frame loss 0.00 %");
-    history(r, 1, 2, "2/2/3 test 2: 9.87 Mbit/s, frame loss 1.25 %");
-    pm_session(r, 1, 1, 1, 1);
-    pm_session(r, 2, 2, 2, 3);
-    tarv::store_le(r.at(Table::PMAlarmBlock, 2), std::uint16_t{0x0010});
-    r.key(Table::Class581MoidArray, 0, 581, {1});
-    r.fill(Table::Class581DataArray, 0, {0xde, 0xad, 0xbe, 0xef});
-    r.key(Table::Class581MoidArray, 4095, 581, {4096});
-    r.fill(Table::Class581DataArray, 4095, {0x01}, 15);
-    r.key(Table::Class665MoidArray, 1, 665, {1, 1, 1}, 1);
-    r.fill(Table::Class665DataArray, 1, {0x07});
-    return r;
-}
-
-Region demo2() {
-    Region r = demo();
-    mep(r, {1, 1, 6, 106, 1, 100, 1, 5, 0});
+Region demo2(const Region& demo) {
+    Region r = demo;
+    mep(r, {1, 1, 7, 107, 1, 100, 1, 5, 0});
     for (Table t : {Table::MipMoidArray, Table::Class578MoidArray, Table::MipDataArray}) r.clear(t, 1);
+    r.set(Table::MepDataArray, 0, tarv::mep::wAlarmBits, std::uint16_t{0x0002});
+    r.set(Table::MepDataArray, 1, tarv::mep::wAlarmBits, std::uint16_t{0});
+    tarv::store_le(r.at(Table::PMAlarmBlock, 1), std::uint16_t{0x0001});
     return r;
 }
 
 // One fault of each kind, each named by the lines `check` prints for it.
-Region faults() {
-    Region r = demo();
+Region faults(const Region& demo) {
+    Region r = demo;
     // A record behind an empty key.
     r.fill(Table::MepDataArray, 9, {0x00, 0x01});
     // A key of another class; the MIP's MA 1/1 exists.
@@ -227,6 +164,12 @@ Region faults() {
     // A bandwidth notification and a throughput test without their MEP.
     r.key(Table::BandwidthNotificationMoidArray, 11, 848, {1, 1, 12});
     throughput(r, {2, 2, 9, 3}, 1, 1, 1, 1, 1);
+    // Alarms that `check` does not look at: a PM alarm whose session is
+    // gone, and the text of a removed MEP, named by its old MOID alone.
+    r.key(Table::PMAlarmMoidArray, 3, 674, {1, 1, 9}, 3);
+    tarv::store_le(r.at(Table::PMAlarmBlock, 3), std::uint16_t{0x0008});
+    r.key(Table::MepOldMoidArray, 9, 532, {1, 1, 10});
+    r.text(Table::MepAlarmTextArray, 9, {Table::MepAlarmTextArray, 0, 81}, "Loss of continuity, MEP removed");
     return r;
 }
 
@@ -238,8 +181,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string dir = argv[1];
-    bool ok = Region().save(dir + "/empty.bin") && demo().save(dir + "/demo.bin") &&
-              demo2().save(dir + "/demo2.bin") && faults().save(dir + "/faults.bin");
+    Region demo;
+    bool ok = demo.load(dir + "/demo.bin") && Region().save(dir + "/empty.bin") &&
+              demo2(demo).save(dir + "/demo2.bin") && faults(demo).save(dir + "/faults.bin");
     std::FILE* f = std::fopen((dir + "/short.bin").c_str(), "wb");
     const std::vector<std::uint8_t> short_file(1000);
     ok = ok && f != nullptr && std::fwrite(short_file.data(), 1, short_file.size(), f) == short_file.size();

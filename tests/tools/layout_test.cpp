@@ -52,6 +52,22 @@ TEST(TarvctlLayout, ClassesAreTheLibrarysWithTheirTables) {
     }
 }
 
+// The controller's tables tarvctl reads and the demo fills are the
+// library's, with their entry sizes and slot counts.
+TEST(TarvctlLayout, ControllerTablesAreTheLibrarys) {
+    namespace a = tarvctl::area;
+    const std::pair<tarvctl::AreaDef, Table> rows[] = {
+        {a::kMepOldMoid, Table::MepOldMoidArray},   {a::kPmSessionOldMoid, Table::PMSessionOldMoidArray},
+        {a::kPmAlarmBlock, Table::PMAlarmBlock},    {a::kMepHwAlarmBlock, Table::MepHWAlarmBlock},
+        {a::kPmAlarmMoid, Table::PMAlarmMoidArray}, {a::kMepAlarmText, Table::MepAlarmTextArray},
+    };
+    for (const auto& [tool, lib] : rows) {
+        EXPECT_EQ(tool.base, tarv::info(lib).base) << tool.name;
+        EXPECT_EQ(tool.entry, tarv::info(lib).entry) << tool.name;
+        EXPECT_EQ(tool.slots, tarv::info(lib).slots) << tool.name;
+    }
+}
+
 struct FieldRow {
     tarvctl::FieldDef tool;
     std::uint32_t class_id;

@@ -1,185 +1,135 @@
-// Attaching the data region and the module's trace convention.
+// Attaching the data region, calls made before it, and the module's trace
+// convention.
+#include <tuple>
+
 #include "region_fixture.h"
 #include "trace.h"
 
 namespace tarv::testing {
 namespace {
 
-class AttachTest : public RegionTest {};
+using AttachTest = RegionTest;
 
-TEST_F(AttachTest, OpenMapsTheRegionReadOnlyOnce) {
-    Tarv__Open();
-    Tarv__Open();
-
-    ASSERT_EQ(fake().shm_calls.size(), 1u);
-    EXPECT_EQ(fake().shm_calls[0].name, "/kelm-data");
-    EXPECT_EQ(fake().shm_calls[0].size, 453075u);
-    EXPECT_EQ(fake().shm_calls[0].read_only, 1);
-    EXPECT_EQ(pSharedData, fake().regions.at("/kelm-data")->data());
-    EXPECT_EQ(pStorData, nullptr);
-    EXPECT_TRUE(fake().traces.empty());
-}
-
-TEST_F(AttachTest, FailedOpenTracesCode12AndIsRetried) {
-    fake().set_module_level(1);
+// A failed attach zeroes the key block, traces code 12 (nothing at module
+// level 0) and is retried by the next call; once attached, Tarv__Open and the
+// XML hook do nothing.
+TEST_F(AttachTest, OpenMapsTheRegionReadOnlyOnceAndRetriesAFailure) {
     fake().shm_succeeds = false;
-    abZeroKey[44] = 0x5A;  // whatever happened before, the zero block ends up zero
-
     Tarv__Open();
-
+    fake().set_module_level(1);
+    abZeroKey[44] = 0x5A;
+    Tarv__Open();
     EXPECT_EQ(pSharedData, nullptr);
     EXPECT_EQ(abZeroKey[44], 0);
-    ASSERT_EQ(fake().traces.size(), 1u);
-    const TraceRecord& t = fake().traces[0];
-    EXPECT_EQ(t.kind, TraceKind::Error);
-    EXPECT_EQ(t.level, 1u);
-    EXPECT_EQ(t.function, "Tarv__Open");
-    EXPECT_EQ(t.module, 142u);
-    EXPECT_EQ(t.code, 12u);
-    EXPECT_EQ(t.text, "KELM_SHARED_DATA");
-
     fake().shm_succeeds = true;
     Tarv__Open();
-    EXPECT_NE(pSharedData, nullptr);
-    EXPECT_EQ(fake().shm_calls.size(), 2u);
-}
-
-TEST_F(AttachTest, FailedOpenIsSilentWhenTheModuleLevelIsZero) {
-    fake().shm_succeeds = false;
     Tarv__Open();
-    Tarv__StorOpen();  // "Failed"
-    fake().shm_succeeds = true;
-    Tarv__Open();
-    Tarv__StorOpen();  // "Null"
-    EXPECT_NE(pStorData, nullptr);
-    EXPECT_EQ(fake().trace_count, 0u);
-}
-
-TEST_F(AttachTest, StorOpenAfterOpenTracesNullAndRemapsReadWrite) {
-    fake().set_module_level(1);
-    Tarv__Open();
-
-    Tarv__StorOpen();
-
-    ASSERT_EQ(fake().shm_calls.size(), 2u);
-    EXPECT_EQ(fake().shm_calls[1].read_only, 0);
-    EXPECT_NE(pStorData, nullptr);
-    EXPECT_EQ(pSharedData, pStorData);
-    ASSERT_EQ(fake().traces.size(), 1u);
-    EXPECT_EQ(fake().traces[0].function, "Tarv__StorOpen");
-    EXPECT_EQ(fake().traces[0].code, 0u);
-    EXPECT_EQ(fake().traces[0].text, "Null");
-
-    Tarv__StorOpen();
-    Tarv__Open();
-    EXPECT_EQ(fake().shm_calls.size(), 2u);  // attached read-write: both are no-ops
-}
-
-TEST_F(AttachTest, FailedStorOpenLeavesTheProcessDetached) {
-    fake().set_module_level(1);
-    Tarv__Open();
-    fake().shm_succeeds = false;
-
-    Tarv__StorOpen();
-
-    EXPECT_EQ(pSharedData, nullptr);
-    EXPECT_EQ(pStorData, nullptr);
-    ASSERT_EQ(fake().traces.size(), 2u);
-    EXPECT_EQ(fake().traces[0].text, "Null");
-    EXPECT_EQ(fake().traces[1].text, "Failed");
-    EXPECT_EQ(fake().traces[1].code, 0u);
-
-    fake().shm_succeeds = true;
-    Tarv__StorOpen();
-    EXPECT_NE(pStorData, nullptr);
-    EXPECT_EQ(fake().count_text("Null"), 1u);  // detached before the retry: no second "Null"
-}
-
-TEST_F(AttachTest, SaveXmlHookChangesNothing) {
-    std::uint8_t* region = attach();
-    region[0] = 0x42;
-
+    pSharedData[0] = 0x42;
     Tarv__SaveXMLIfOldConfig();
 
-    EXPECT_EQ(region[0], 0x42);
-    EXPECT_TRUE(fake().traces.empty());
-    EXPECT_TRUE(fake().shm_calls.empty());
+    EXPECT_EQ(pSharedData, fake().regions.at("/kelm-data")->data());
+    EXPECT_EQ(pSharedData[0], 0x42);
+    EXPECT_EQ(pStorData, nullptr);
+    ASSERT_EQ(fake().shm_calls.size(), 3u);
+    const ShmCall& call = fake().shm_calls[2];
+    EXPECT_EQ(std::tie(call.name, call.size, call.read_only), std::make_tuple("/kelm-data", 453075u, 1));
+    EXPECT_EQ(traced(true), Lines{"1/12 Tarv__Open: KELM_SHARED_DATA"});
 }
 
+// Tarv__StorOpen after Tarv__Open traces "Null" and maps read-write; a failed
+// one leaves the process detached, so its retry traces no second "Null".
+TEST_F(AttachTest, StorOpenRemapsReadWriteAndDetachesWhenItFails) {
+    fake().set_module_level(1);
+    Tarv__Open();
+    fake().shm_succeeds = false;
+    Tarv__StorOpen();
+    EXPECT_EQ(pSharedData, nullptr);
+    EXPECT_EQ(pStorData, nullptr);
+    fake().shm_succeeds = true;
+    Tarv__StorOpen();
+    Tarv__StorOpen();
+    Tarv__Open();
+
+    EXPECT_NE(pStorData, nullptr);
+    EXPECT_EQ(pSharedData, pStorData);
+    ASSERT_EQ(fake().shm_calls.size(), 3u);
+    EXPECT_EQ(fake().shm_calls[1].read_only + fake().shm_calls[2].read_only, 0);
+    EXPECT_EQ(traced(true), (Lines{"1/0 Tarv__StorOpen: Null", "1/0 Tarv__StorOpen: Failed"}));
+}
+
+// Every query answers "nothing found" with one code 12 trace, writes nothing
+// but an empty list's terminator and all-zero alarm words, and asks the
+// platform nothing.
 TEST_F(AttachTest, QueriesBeforeAttachAnswerWithoutTouchingMemory) {
     fake().set_module_level(1);
-    std::uint8_t buffer[64];
-    std::memset(buffer, 0xEE, sizeof buffer);
+    const auto out = guarded(96);
+    std::uint8_t* b = out->data();
     std::uint16_t index = 77;
+    std::vector<std::uint16_t> words(32, 0xEEEE);
+    const TARV_MOID moid = make_moid(532, 1, 1, 1);
 
-    EXPECT_EQ(Tarv__GetConfig(531, buffer, 3), 0);
     EXPECT_EQ(Tarv__MEPMoidIterator(nullptr), nullptr);
-    Tarv__ReadMEP(make_moid(532, 1, 1, 1), buffer + 10);
-    EXPECT_EQ(Tarv__GetMepIndexFromOldMoid(make_moid(532, 1, 1, 1), &index), -1);
-    EXPECT_EQ(Tarv__GetConfig(519, buffer + 20, 0), 0);
+    Tarv__ReadMEP(moid, b);
+    EXPECT_EQ(Tarv__GetMepIndexFromOldMoid(moid, &index), -1);
+    EXPECT_EQ(Tarv__GetConfig(519, b, 0), 0);
+    EXPECT_EQ(Tarv__BandwidthNotificationMoidIterator(nullptr), nullptr);
+    Tarv__ReadBandwidthNotification(moid, b);
+    EXPECT_EQ(Tarv__ThroughputListMoidIterator(nullptr), nullptr);
+    Tarv__ReadThroughputEntry(TARV_THROUGHPUT_KEY{638, 1, 1, 1, 1}, b);
+    EXPECT_EQ(Tarv_GetEnableStatusofThroughput(), 0u);
+    Tarv__GetAlarms(words.data());
+    Tarv__GetDetailsForAlarm(0, reinterpret_cast<TARV_MOID*>(b), reinterpret_cast<char*>(b + 14));
+    Tarv__GetPMAlarms(b);
+    Tarv__GetMEPHWAlarms(b);
+    Tarv__GetPMAlarmMoid(1, reinterpret_cast<TARV_PM_KEY*>(b));
+    Tarv__GetPMSessionMoid(1, reinterpret_cast<TARV_PM_KEY*>(b));
+    Tarv__GetPMSessionOldMoid(1, reinterpret_cast<TARV_PM_KEY*>(b));
+    EXPECT_EQ(Tarv__GetMepInfoAbout1731Alarm(TARV_PM_KEY{moid, 1}, reinterpret_cast<char*>(b)), 0u);
+    EXPECT_EQ(Tarv__GetConfig(531, b + 90, 3), 0);
 
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(buffer[i], 0) << i;  // an empty MD list
-    for (std::size_t i = 6; i < sizeof buffer; ++i) EXPECT_EQ(buffer[i], 0xEE) << i;
+    Bytes want(96, 0xEE);
+    std::fill_n(want.begin() + 90, 6, 0);  // an empty MD list
+    EXPECT_EQ(contents(*out), want);
     EXPECT_EQ(index, 77);
-    ASSERT_EQ(fake().traces.size(), 5u);
-    for (const TraceRecord& t : fake().traces) {
-        EXPECT_EQ(t.code, 12u);
-        EXPECT_EQ(t.text, "KELM_SHARED_DATA");
+    EXPECT_EQ(words, std::vector<std::uint16_t>(32, 0));
+    EXPECT_TRUE(fake().port_type_requests.empty());
+    EXPECT_EQ(traced(), Lines(18, "1/12 KELM_SHARED_DATA"));
+    EXPECT_EQ(fake().traces[1].function, "Tarv__ReadMEP");
+    EXPECT_EQ(fake().traces[8].function, "Tarv_GetEnableStatusofThroughput");
+}
+
+// A statement runs when its object's level word allows it: debug from its
+// level up (the word read unsigned), warnings from 2, errors from 1. It is
+// one WQ_beginImpl / print / WQ_endImpl triple with the library's path.
+TEST_F(RegionTest, TraceStatementsFollowTheirLevelWords) {
+    const auto statement = [](std::uint32_t level) {
+        if (level > 2) TARV_DEBUG(level, "Fn", "d %d", 1);
+        else if (level == 2) TARV_WARNING("Fn", trace::kNotFound, "w %d", 1);
+        else TARV_ERROR("Fn", trace::kNullData, "e %ld", 2L);
+    };
+    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::size_t> rows[] = {
+        {4, 0, 4, 1}, {3, 9, 4, 0}, {0xFFFFFFFFu, 0, 7, 1}, {6, 9, 7, 0}, {0, 1, 2, 0}, {0, 2, 2, 1}, {9, 0, 1, 0},
+        {0, 1, 1, 1}};
+    for (const auto& [debug_word, module_word, level, runs] : rows) {
+        fake().traces.clear();
+        fake().set_debug_level(debug_word);
+        fake().set_module_level(module_word);
+        statement(level);
+        EXPECT_EQ(fake().traces.size(), runs) << debug_word << "/" << module_word << " " << level;
     }
-    EXPECT_EQ(fake().traces[2].function, "Tarv__ReadMEP");
-}
-
-class TraceConventionTest : public RegionTest {};
-
-TEST_F(TraceConventionTest, DebugTracesRunFromTheirLevelUp) {
-    attach();
-    fake().set_debug_level(4);
-    const TARV_MOID id_zero = make_moid(532, 1, 1, 0);
-
-    EXPECT_EQ(Tarv__MEPMoidIterator(&id_zero), nullptr);  // level-4 trace: hint out of range
-
-    ASSERT_EQ(fake().traces.size(), 1u);
-    const TraceRecord& t = fake().traces[0];
-    EXPECT_EQ(t.kind, TraceKind::Debug);
-    EXPECT_EQ(t.level, 4u);
-    EXPECT_EQ(t.function, "Tarv__MEPMoidIterator");
-    EXPECT_EQ(t.file, "data/swch/api-tarv");
-    EXPECT_GT(t.line, 0u);
-    EXPECT_TRUE(t.closed);
-
-    fake().set_debug_level(3);
     fake().traces.clear();
-    EXPECT_EQ(Tarv__MEPMoidIterator(&id_zero), nullptr);
-    EXPECT_TRUE(fake().traces.empty());
-}
-
-TEST_F(TraceConventionTest, WarningsNeedLevelTwoErrorsAnyLevel) {
-    fake().set_module_level(1);
-    TARV_WARNING("Fn", trace::kNotFound, "w %d", 1);
-    TARV_ERROR("Fn", trace::kNullData, "e %ld", 2L);
-    ASSERT_EQ(fake().traces.size(), 1u);
-    EXPECT_EQ(fake().traces[0].kind, TraceKind::Error);
-    EXPECT_EQ(fake().traces[0].code, 26u);
-    EXPECT_EQ(fake().traces[0].text, "e 2");
-
+    fake().set_debug_level(4);
     fake().set_module_level(2);
-    TARV_WARNING("Fn", trace::kNotFound, "w %d", 1);
-    ASSERT_EQ(fake().traces.size(), 2u);
-    EXPECT_EQ(fake().traces[1].kind, TraceKind::Warning);
-    EXPECT_EQ(fake().traces[1].level, 2u);
-    EXPECT_EQ(fake().traces[1].module, 142u);
-    EXPECT_EQ(fake().traces[1].code, 3u);
-    EXPECT_TRUE(fake().traces[1].closed);
-
-    fake().set_module_level(0);
-    TARV_ERROR("Fn", trace::kNullData, "e");
-    EXPECT_EQ(fake().traces.size(), 2u);
-}
-
-TEST_F(TraceConventionTest, DebugLevelWordIsReadUnsigned) {
-    fake().set_debug_level(0xFFFFFFFFu);  // every level passes
-    TARV_DEBUG(7, "Fn", "x");
-    EXPECT_EQ(fake().traces.size(), 1u);
+    for (std::uint32_t level : {4u, 2u, 1u}) statement(level);
+    ASSERT_EQ(traced(true), (Lines{"4 Fn: d 1", "2/3 Fn: w 1", "1/26 Fn: e 2"}));
+    const std::pair<TraceKind, std::uint32_t> kinds[] = {{TraceKind::Debug, 0}, {TraceKind::Warning, 142},
+                                                         {TraceKind::Error, 142}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const TraceRecord& t = fake().traces[i];
+        EXPECT_EQ(std::tie(t.kind, t.module, t.file, t.closed),
+                  std::make_tuple(kinds[i].first, kinds[i].second, "data/swch/api-tarv", true));
+        EXPECT_GT(t.line, 0u);
+    }
 }
 
 }  // namespace

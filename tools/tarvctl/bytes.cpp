@@ -21,6 +21,44 @@ std::string hex(Bytes bytes) {
     return out;
 }
 
+namespace {
+
+int hex_digit(char c) noexcept {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::uint8_t>> parse_hex(std::string_view text) {
+    if (text.size() % 2 != 0) return std::nullopt;
+    std::vector<std::uint8_t> out;
+    out.reserve(text.size() / 2);
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        const int high = hex_digit(text[i]);
+        const int low = hex_digit(text[i + 1]);
+        if (high < 0 || low < 0) return std::nullopt;
+        out.push_back(static_cast<std::uint8_t>(high << 4 | low));
+    }
+    return out;
+}
+
+std::optional<std::vector<std::uint8_t>> parse_mac(std::string_view text) {
+    // Six pairs of digits with a colon after each but the last.
+    if (text.size() != 17) return std::nullopt;
+    std::string digits;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (i % 3 == 2) {
+            if (text[i] != ':') return std::nullopt;
+        } else {
+            digits += text[i];
+        }
+    }
+    return parse_hex(digits);
+}
+
 std::string mac(Bytes six) {
     return fmt::format("{:02x}:{:02x}:{:02x}:{:02x}:{:02x}:{:02x}", six[0], six[1], six[2], six[3], six[4], six[5]);
 }
@@ -45,6 +83,23 @@ std::string exact_text(Bytes field) {
             out += static_cast<char>(0xC0 | b >> 6);
             out += static_cast<char>(0x80 | (b & 0x3F));
         }
+    }
+    return out;
+}
+
+std::optional<std::vector<std::uint8_t>> parse_exact_text(std::string_view text) {
+    std::vector<std::uint8_t> out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto b = static_cast<std::uint8_t>(text[i]);
+        if (b < 0x80) {
+            out.push_back(b);
+            continue;
+        }
+        // U+0080..U+00FF: lead byte 0xC2 or 0xC3, then one continuation.
+        if ((b != 0xC2 && b != 0xC3) || i + 1 == text.size()) return std::nullopt;
+        const auto next = static_cast<std::uint8_t>(text[++i]);
+        if ((next & 0xC0) != 0x80) return std::nullopt;
+        out.push_back(static_cast<std::uint8_t>((b & 0x03) << 6 | (next & 0x3F)));
     }
     return out;
 }

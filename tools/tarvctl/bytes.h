@@ -6,11 +6,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace tarvctl {
 
 using Bytes = std::span<const std::uint8_t>;
+using MutableBytes = std::span<std::uint8_t>;
 
 [[nodiscard]] inline std::uint16_t le16(const std::uint8_t* p) noexcept {
     return static_cast<std::uint16_t>(p[0] | p[1] << 8);
@@ -19,13 +23,27 @@ using Bytes = std::span<const std::uint8_t>;
     return static_cast<std::uint32_t>(le16(p)) | static_cast<std::uint32_t>(le16(p + 2)) << 16;
 }
 
+inline void store_le16(std::uint8_t* p, std::uint16_t v) noexcept {
+    p[0] = static_cast<std::uint8_t>(v);
+    p[1] = static_cast<std::uint8_t>(v >> 8);
+}
+inline void store_le32(std::uint8_t* p, std::uint32_t v) noexcept {
+    store_le16(p, static_cast<std::uint16_t>(v));
+    store_le16(p + 2, static_cast<std::uint16_t>(v >> 16));
+}
+
 [[nodiscard]] bool all_zero(Bytes bytes) noexcept;
 
 // Lower-case hex digits, two per byte, no separators.
 [[nodiscard]] std::string hex(Bytes bytes);
 
+// The bytes of an even number of hex digits (either case), or nothing.
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> parse_hex(std::string_view text);
+
 // "02:54:41:52:57:03".
 [[nodiscard]] std::string mac(Bytes six);
+// The six bytes of such an address, or nothing.
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> parse_mac(std::string_view text);
 
 // A text field for people: the bytes up to the first zero, each byte outside
 // printable ASCII shown as '?'.
@@ -35,6 +53,9 @@ using Bytes = std::span<const std::uint8_t>;
 // same value (UTF-8), trailing zero bytes dropped; zeros inside stay as
 // U+0000. Reading it back means one byte per code point, zero-filled.
 [[nodiscard]] std::string exact_text(Bytes field);
+// The bytes of such a text, or nothing when it holds a code point above
+// U+00FF or is not UTF-8.
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> parse_exact_text(std::string_view text);
 
 }  // namespace tarvctl
 

@@ -84,6 +84,24 @@ inline constexpr std::uint32_t kBwn = 848;
 
 [[nodiscard]] const ClassDef& class_of(std::uint32_t id) noexcept;
 
+// Tables the controller keeps beside the classes: the library reads them
+// (alarms, old keys, PM alarm keys) and its configuration write never
+// touches them.
+struct AreaDef {
+    std::string_view name;
+    std::uint32_t base;
+    std::uint32_t entry;  // bytes per slot
+    std::uint32_t slots;
+};
+namespace area {
+inline constexpr AreaDef kMepOldMoid{"MepOldMoidArray", 388277, 14, 32};
+inline constexpr AreaDef kPmSessionOldMoid{"PMSessionOldMoidArray", 448009, 15, 9};
+inline constexpr AreaDef kPmAlarmBlock{"PMAlarmBlock", 449242, 2, 9};
+inline constexpr AreaDef kMepHwAlarmBlock{"MepHWAlarmBlock", 449260, 64, 1};
+inline constexpr AreaDef kPmAlarmMoid{"PMAlarmMoidArray", 449324, 15, 9};
+inline constexpr AreaDef kMepAlarmText{"MepAlarmTextArray", 450483, 81, 32};
+}  // namespace area
+
 }  // namespace tarvctl
 
 #endif

@@ -30,11 +30,15 @@ private:
 };
 
 void add_init(CLI::App& app, const Options& options, Commands& commands);
+void add_demo(CLI::App& app, const Options& options, Commands& commands);
 void add_snapshot(CLI::App& app, const Options& options, Commands& commands);
 void add_show(CLI::App& app, const Options& options, Commands& commands);
 void add_check(CLI::App& app, const Options& options, Commands& commands);
 void add_get(CLI::App& app, const Options& options, Commands& commands);
+void add_set(CLI::App& app, const Options& options, Commands& commands);
 void add_watch(CLI::App& app, const Options& options, Commands& commands);
+// port, vlan, vfi, lag and slot.
+void add_queries(CLI::App& app, const Options& options, Commands& commands);
 
 }  // namespace tarvctl
 

@@ -1,10 +1,8 @@
 // tarvctl get CLASS [--hex|--json]: a class's transfer list as
 // Tarv__GetConfig returns it.
 //
-// Hex form: one line per transfer record, the key's bytes, a blank, the
-// record's bytes (a singleton's line is its record alone); no terminator.
-// JSON form: {"class": N, "records": [...]}, each record as records.h
-// describes. Both forms carry every byte of the list.
+// Both forms, described in transfer.h, carry every byte of the list; no
+// terminator.
 #include <fmt/format.h>
 
 #include <memory>
@@ -14,6 +12,7 @@
 #include "records.h"
 #include "status.h"
 #include "style.h"
+#include "transfer.h"
 
 namespace tarvctl {
 
@@ -41,21 +40,11 @@ void add_get(CLI::App& app, const Options& options, Commands& commands) {
         const TransferList list = TransferList::read(c);
         if (args->json) {
             Json records = Json::array();
-            for (std::size_t i = 0; i < list.size(); ++i) {
-                Json r = Json::object();
-                if (c.key > 0) r["key"] = key_json(c, list.key(i));
-                r["record"] = record_json(c, list.record(i));
-                records.push_back(std::move(r));
-            }
+            for (std::size_t i = 0; i < list.size(); ++i) records.push_back(object_json(c, list.key(i), list.record(i)));
             print_json({{"class", c.id}, {"records", records}});
             return kExitOk;
         }
-        for (std::size_t i = 0; i < list.size(); ++i) {
-            if (c.key > 0)
-                fmt::print("{} {}\n", hex(list.key(i)), hex(list.record(i)));
-            else
-                fmt::print("{}\n", hex(list.record(i)));
-        }
+        for (std::size_t i = 0; i < list.size(); ++i) fmt::print("{}\n", hex_line(c, list.key(i), list.record(i)));
         return kExitOk;
     });
 }

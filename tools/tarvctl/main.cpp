@@ -12,13 +12,15 @@ namespace {
 
 constexpr char kFooter[] = R"(Exit status:
   0  done; check found nothing
-  1  check found inconsistencies
-  2  usage error: unknown subcommand, option, class or value
+  1  check found inconsistencies; port, vlan, vfi, lag: OAM does not use it; slot: the MEP does not fit
+  2  usage error: unknown subcommand, option, class or value; a malformed SLOT/PORT, VID or id; a file set refuses
   3  no OAM data region in shared memory (create one with 'tarvctl init')
   4  a file or region cannot be read, written or mapped, or has the wrong size
+  5  demo refused: the region is not empty (demo --force replaces it)
 
 Environment:
   TARV_SHM_PREFIX  shared-memory prefix when --prefix is not given
+  TARV_LAGS        LAG members, e.g. 5=1/1,4/1;6=1/2 (the host platform's, not the region's)
   NO_COLOR         no colour, even on a terminal
 
 Every subcommand has --help. See tarvctl(1).)";
@@ -47,9 +49,12 @@ int main(int argc, char** argv) {
 
     Commands commands;
     add_init(app, options, commands);
+    add_demo(app, options, commands);
     add_show(app, options, commands);
     add_check(app, options, commands);
     add_get(app, options, commands);
+    add_set(app, options, commands);
+    add_queries(app, options, commands);
     add_snapshot(app, options, commands);
     add_watch(app, options, commands);
 
@@ -68,7 +73,9 @@ int main(int argc, char** argv) {
         select_prefix(options);
         const auto* run = commands.chosen();
         if (run == nullptr) {
-            error_line("a subcommand is required: init, show, check, get, snapshot or watch");
+            error_line(
+                "a subcommand is required: init, demo, show, port, vlan, vfi, lag, slot, check, get, set, snapshot "
+                "or watch");
             fmt::print(stderr, "Run 'tarvctl --help' for more information.\n");
             return kExitUsage;
         }

@@ -44,17 +44,27 @@ TransferList TransferList::read(const ClassDef& c) {
 
 namespace {
 
-Mep decode_mep(const TARV_MOID& moid, Bytes r) {
+// The identifiers of a key in the region, whose bytes are little-endian
+// whatever the host.
+std::array<std::uint32_t, 4> ids_of(const void* key, std::size_t count) {
+    const auto* k = static_cast<const std::uint8_t*>(key);
+    std::array<std::uint32_t, 4> ids{};
+    for (std::size_t i = 0; i < count; ++i) ids[i] = le32(k + 2 + 4 * i);
+    return ids;
+}
+
+Mep decode_mep(const std::array<std::uint32_t, 4>& id, Bytes r) {
     using namespace field;
-    return Mep{moid.lId1,
-               moid.lId2,
-               moid.lId3,
+    return Mep{id[0],
+               id[1],
+               id[2],
                static_cast<std::uint16_t>(value(r, wMepId)),
                value(r, eDirection),
                static_cast<std::uint16_t>(value(r, wMepVid)),
                mac(bytes(r, abyMepMac)),
                static_cast<std::uint8_t>(value(r, byMepSlot)),
-               static_cast<std::uint8_t>(value(r, byMepPort))};
+               static_cast<std::uint8_t>(value(r, byMepPort)),
+               static_cast<std::uint16_t>(value(r, wAlarmBits))};
 }
 
 // Every MEP the iterator walks, read by its MOID.
@@ -64,11 +74,41 @@ std::vector<Mep> read_meps() {
         const TARV_MOID moid = *p;
         std::array<std::uint8_t, TARV_MEP_RECORD_SIZE> record{};
         Tarv__ReadMEP(moid, record.data());
-        // The key's bytes are little-endian whatever the host.
-        const auto* k = reinterpret_cast<const std::uint8_t*>(&moid);
-        meps.push_back(decode_mep(TARV_MOID{le16(k), le32(k + 2), le32(k + 6), le32(k + 10)}, record));
+        meps.push_back(decode_mep(ids_of(&moid, 3), record));
     }
     return meps;
+}
+
+// Every throughput test the iterator walks, read by its key.
+std::vector<Throughput> read_throughput() {
+    using namespace field;
+    std::vector<Throughput> tests;
+    for (const TARV_THROUGHPUT_KEY* p = Tarv__ThroughputListMoidIterator(nullptr); p != nullptr;
+         p = Tarv__ThroughputListMoidIterator(p)) {
+        const TARV_THROUGHPUT_KEY key = *p;
+        std::array<std::uint8_t, TARV_THROUGHPUT_RECORD_SIZE> r{};
+        Tarv__ReadThroughputEntry(key, r.data());
+        const auto id = ids_of(&key, 4);
+        tests.push_back(Throughput{id[0], id[1], id[2], id[3], value(r, eEnableStatus), value(r, lOperandA),
+                                   static_cast<std::uint16_t>(value(r, wOperandB)),
+                                   static_cast<std::uint16_t>(value(r, wOperandC)),
+                                   static_cast<std::uint16_t>(value(r, wDerived))});
+    }
+    return tests;
+}
+
+// Every bandwidth notification the iterator walks, read by its MOID.
+std::vector<Bwn> read_bwn() {
+    std::vector<Bwn> list;
+    for (const TARV_MOID* p = Tarv__BandwidthNotificationMoidIterator(nullptr); p != nullptr;
+         p = Tarv__BandwidthNotificationMoidIterator(p)) {
+        const TARV_MOID moid = *p;
+        std::array<std::uint8_t, TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE> r{};
+        Tarv__ReadBandwidthNotification(moid, r.data());
+        const auto id = ids_of(&moid, 3);
+        list.push_back(Bwn{id[0], id[1], id[2], hex(r)});
+    }
+    return list;
 }
 
 }  // namespace
@@ -103,15 +143,8 @@ Configuration Configuration::read() {
                              static_cast<std::uint8_t>(value(r, byMipSlot)),
                              static_cast<std::uint8_t>(value(r, byMipPort))});
     }
-    const TransferList tests = TransferList::read(class_of(cls::kThroughput));
-    for (std::size_t i = 0; i < tests.size(); ++i) {
-        const KeyIds k = key_ids(tests.def(), tests.key(i));
-        const Bytes r = tests.record(i);
-        c.throughput.push_back(Throughput{k.id[0], k.id[1], k.id[2], k.id[3], value(r, eEnableStatus),
-                                          value(r, lOperandA), static_cast<std::uint16_t>(value(r, wOperandB)),
-                                          static_cast<std::uint16_t>(value(r, wOperandC)),
-                                          static_cast<std::uint16_t>(value(r, wDerived))});
-    }
+    c.throughput = read_throughput();
+    c.throughput_enabled = Tarv_GetEnableStatusofThroughput() != 0;
     const TransferList history = TransferList::read(class_of(cls::kHistory));
     for (std::size_t i = 0; i < history.size(); ++i)
         c.history.push_back(HistoryRecord{key_ids(history.def(), history.key(i)).id[0],
@@ -121,11 +154,7 @@ Configuration Configuration::read() {
         const KeyIds k = key_ids(pm.def(), pm.key(i));
         c.pm.push_back(PmSession{k.id[0], k.id[1], k.id[2], k.session});
     }
-    const TransferList bwn = TransferList::read(class_of(cls::kBwn));
-    for (std::size_t i = 0; i < bwn.size(); ++i) {
-        const KeyIds k = key_ids(bwn.def(), bwn.key(i));
-        c.bwn.push_back(Bwn{k.id[0], k.id[1], k.id[2], hex(bwn.record(i))});
-    }
+    c.bwn = read_bwn();
     return c;
 }
 
@@ -150,6 +179,48 @@ std::vector<const MaComp*> Configuration::comps_of(std::uint32_t md, std::uint32
     for (const MaComp& comp : comps)
         if (comp.md == md && comp.ma == ma) found.push_back(&comp);
     return found;
+}
+
+Alarms Alarms::read(const Configuration& c) {
+    Alarms a;
+    std::array<std::uint16_t, TARV_MEP_SLOTS> words{};
+    Tarv__GetAlarms(words.data());
+    for (std::uint32_t slot = 0; slot < TARV_MEP_SLOTS; ++slot) {
+        TARV_MOID moid{};
+        std::array<char, TARV_ALARM_TEXT_SIZE + 1> text{};
+        Tarv__GetDetailsForAlarm(slot, &moid, text.data());
+        if (words[slot] == 0 && text[0] == 0) continue;
+        const bool named = !all_zero(Bytes(reinterpret_cast<const std::uint8_t*>(&moid), sizeof moid));
+        const auto id = ids_of(&moid, 3);
+        const Mep* mep = named ? c.find_mep(id[0], id[1], id[2]) : nullptr;
+        const Bytes text_bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+        a.meps.push_back(MepAlarm{slot, named, id[0], id[1], id[2], words[slot],
+                                  mep != nullptr && words[slot] != 0 ? mep->alarm_bits : words[slot],
+                                  display_text(text_bytes)});
+    }
+    std::array<std::uint8_t, TARV_PM_ALARM_BLOCK_SIZE> block{};
+    Tarv__GetPMAlarms(block.data());
+    for (std::uint32_t slot = 0; slot < TARV_PM_SLOTS; ++slot) {
+        TARV_PM_KEY key{};
+        Tarv__GetPMAlarmMoid(slot, &key);
+        const auto word = le16(block.data() + 2 * slot);
+        const Bytes key_bytes(reinterpret_cast<const std::uint8_t*>(&key), TARV_PM_KEY_SIZE);
+        if (word == 0 && all_zero(key_bytes)) continue;
+        std::array<char, TARV_MEP_ALARM_INFO_SIZE> info{};
+        if (!all_zero(key_bytes)) Tarv__GetMepInfoAbout1731Alarm(key, info.data());
+        const auto id = ids_of(&key, 3);
+        a.pm.push_back(PmAlarm{slot, id[0], id[1], id[2], key_bytes[14], word, info.data()});
+    }
+    a.hw.resize(TARV_MEP_HW_ALARM_BLOCK_SIZE);
+    Tarv__GetMEPHWAlarms(a.hw.data());
+    return a;
+}
+
+std::vector<unsigned> bits_of(std::uint16_t word) {
+    std::vector<unsigned> bits;
+    for (unsigned bit = 0; bit < 16; ++bit)
+        if (((word >> bit) & 1) != 0) bits.push_back(bit);
+    return bits;
 }
 
 std::string port_text(std::uint8_t slot, std::uint8_t port) {

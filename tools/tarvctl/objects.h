@@ -60,6 +60,7 @@ struct Mep {
     std::uint16_t vid;
     std::string mac;
     std::uint8_t slot, port;
+    std::uint16_t alarm_bits;  // as stored, before Tarv__GetAlarms masks bit 2
 };
 
 struct Mip {
@@ -90,7 +91,9 @@ struct Bwn {
     std::string data;  // the controller's 18 bytes, hex
 };
 
-// Everything the views show, read class by class.
+// Everything the views show, read class by class: through the transfer
+// lists, and the MEPs, throughput tests and bandwidth notifications through
+// their iterators and readers.
 struct Configuration {
     std::vector<Md> mds;
     std::vector<Ma> mas;
@@ -101,6 +104,7 @@ struct Configuration {
     std::vector<HistoryRecord> history;
     std::vector<PmSession> pm;
     std::vector<Bwn> bwn;
+    bool throughput_enabled = false;  // Tarv_GetEnableStatusofThroughput
 
     static Configuration read();
 
@@ -111,6 +115,39 @@ struct Configuration {
     // resolves a MEP's service by.
     [[nodiscard]] std::vector<const MaComp*> comps_of(std::uint32_t md, std::uint32_t ma) const;
 };
+
+// The alarm of one MEP slot: its word as Tarv__GetAlarms reports it, and
+// the MOID and text Tarv__GetDetailsForAlarm gives for the slot.
+struct MepAlarm {
+    std::uint32_t slot;
+    bool named;  // a current or old MOID names the MEP
+    std::uint32_t md, ma, mep;
+    std::uint16_t word;
+    std::uint16_t stored;  // the MEP's wAlarmBits when it has a word, before bit 2 is masked
+    std::string text;
+};
+
+// The alarm of one PM slot: its key (Tarv__GetPMAlarmMoid), its word
+// (Tarv__GetPMAlarms) and where the session runs
+// (Tarv__GetMepInfoAbout1731Alarm; empty when the chain is broken).
+struct PmAlarm {
+    std::uint32_t slot;
+    std::uint32_t md, ma, mep;
+    std::uint8_t session;
+    std::uint16_t word;
+    std::string source;
+};
+
+struct Alarms {
+    std::vector<MepAlarm> meps;  // slots with an alarm word or a text
+    std::vector<PmAlarm> pm;     // slots with a PM alarm key or a word
+    std::vector<std::uint8_t> hw;  // the MEP hardware alarm block
+
+    static Alarms read(const Configuration& c);
+};
+
+// The numbers of the bits set in an alarm word, lowest first.
+[[nodiscard]] std::vector<unsigned> bits_of(std::uint16_t word);
 
 // Texts of the placement fields.
 [[nodiscard]] std::string port_text(std::uint8_t slot, std::uint8_t port);  // "1/3", "lag 5"

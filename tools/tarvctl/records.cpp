@@ -3,11 +3,21 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <charconv>
+#include <limits>
+
+#include "status.h"
 
 namespace tarvctl {
 namespace {
 
 using namespace field;
+
+// Identifiers after wClass in a key of class c (the PM keys' session byte
+// not counted).
+constexpr std::uint32_t id_count(const ClassDef& c) noexcept {
+    return ((c.session_keyed() ? 14 : c.key) - 2) / 4;
+}
 
 constexpr std::array kMdFields{acMdName, eMdLevel};
 constexpr std::array kMaNetFields{acMaName, dwCcmPeriod};
@@ -57,6 +67,39 @@ std::uint32_t value(Bytes record, const FieldDef& f) noexcept {
     }
 }
 
+void put(MutableBytes record, const FieldDef& f, std::uint32_t value) noexcept {
+    std::uint8_t* p = record.data() + f.offset;
+    switch (f.kind) {
+        case Kind::U8: *p = static_cast<std::uint8_t>(value); break;
+        case Kind::U16: store_le16(p, static_cast<std::uint16_t>(value)); break;
+        case Kind::U32: store_le32(p, value); break;
+        default: break;
+    }
+}
+
+void put_text(MutableBytes record, const FieldDef& f, std::string_view text) noexcept {
+    const MutableBytes field = record.subspan(f.offset, f.width);
+    std::fill(field.begin(), field.end(), std::uint8_t{0});
+    std::copy_n(text.begin(), std::min<std::size_t>(text.size(), field.size()), field.begin());
+}
+
+std::vector<std::uint8_t> make_key(const ClassDef& c, std::initializer_list<std::uint32_t> ids, std::uint8_t session) {
+    std::vector<std::uint8_t> key(c.key);
+    if (key.empty()) return key;  // singletons have none
+    std::size_t at = 0;
+    if (c.rule != Rule::History) {
+        store_le16(key.data(), static_cast<std::uint16_t>(c.id));
+        at = 2;
+    }
+    for (std::uint32_t id : ids) {
+        if (at + 4 > key.size()) break;
+        store_le32(key.data() + at, id);
+        at += 4;
+    }
+    if (c.session_keyed()) key[14] = session;
+    return key;
+}
+
 KeyIds key_ids(const ClassDef& c, Bytes key) noexcept {
     KeyIds ids;
     if (c.rule == Rule::History) {
@@ -65,8 +108,7 @@ KeyIds key_ids(const ClassDef& c, Bytes key) noexcept {
         return ids;
     }
     ids.cls = le16(key.data());
-    const std::uint32_t moid = c.session_keyed() ? 14 : c.key;
-    ids.count = (moid - 2) / 4;
+    ids.count = id_count(c);
     for (std::uint32_t i = 0; i < ids.count; ++i) ids.id[i] = le32(key.data() + 2 + 4 * i);
     if (c.session_keyed()) ids.session = key[14];
     return ids;
@@ -111,6 +153,109 @@ Json record_json(const ClassDef& c, Bytes record) {
     }
     opaque_until(static_cast<std::uint32_t>(record.size()));
     return j;
+}
+
+namespace {
+
+[[noreturn]] void bad(const std::string& message) { throw Failure(kExitUsage, message); }
+
+// An unsigned JSON number that fits `bits` bits.
+std::uint32_t number(const Json& j, std::string_view name, unsigned bits) {
+    const std::uint64_t max = bits >= 32 ? std::numeric_limits<std::uint32_t>::max() : (std::uint64_t{1} << bits) - 1;
+    const bool whole = j.is_number_unsigned() || (j.is_number_integer() && j.get<std::int64_t>() >= 0);
+    if (!whole || j.get<std::uint64_t>() > max)
+        bad(fmt::format("\"{}\" must be a whole number from 0 to {}, not {}", name, max, j.dump()));
+    return static_cast<std::uint32_t>(j.get<std::uint64_t>());
+}
+
+const std::string& text_of(const Json& j, std::string_view name) {
+    if (!j.is_string()) bad(fmt::format("\"{}\" must be a string, not {}", name, j.dump()));
+    return j.get_ref<const std::string&>();
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> key_from_json(const ClassDef& c, const Json& key) {
+    if (!key.is_object()) bad(fmt::format("\"key\" must be an object, not {}", key.dump()));
+    // The members key_json writes for the class, each with its width.
+    std::vector<std::pair<std::string, unsigned>> names;
+    if (c.rule == Rule::History) {
+        names.emplace_back("lHistoryId", 32);
+    } else {
+        names.emplace_back("wClass", 16);
+        for (std::uint32_t i = 0; i < id_count(c); ++i)
+            names.emplace_back(fmt::format("lId{}", i + 1), 32);
+        if (c.session_keyed()) names.emplace_back("bySessionId", 8);
+    }
+    for (const auto& [name, value] : key.items())
+        if (std::none_of(names.begin(), names.end(), [&](const auto& n) { return n.first == name; }))
+            bad(fmt::format("unknown key member \"{}\" for class {}", name, c.id));
+    std::vector<std::uint8_t> bytes(c.key);
+    std::size_t at = 0;
+    for (const auto& [name, bits] : names) {
+        if (!key.contains(name)) bad(fmt::format("the key lacks \"{}\"", name));
+        const std::uint32_t v = number(key.at(name), name, bits);
+        if (bits == 16)
+            store_le16(bytes.data() + at, static_cast<std::uint16_t>(v));
+        else if (bits == 32)
+            store_le32(bytes.data() + at, v);
+        else
+            bytes[at] = static_cast<std::uint8_t>(v);
+        at += bits / 8;
+    }
+    return bytes;
+}
+
+std::vector<std::uint8_t> record_from_json(const ClassDef& c, const Json& record) {
+    if (!record.is_object()) bad(fmt::format("\"record\" must be an object, not {}", record.dump()));
+    std::vector<std::uint8_t> bytes(c.record);
+    std::vector<bool> given(c.record, false);
+    auto cover = [&](std::string_view name, std::uint32_t offset, std::size_t width) {
+        if (offset + width > c.record)
+            bad(fmt::format("\"{}\" runs past the record's {} bytes", name, c.record));
+        for (std::size_t i = offset; i < offset + width; ++i) {
+            if (given[i]) bad(fmt::format("\"{}\" gives byte {} a second time", name, i));
+            given[i] = true;
+        }
+    };
+    const auto fields = record_fields(c.id);
+    for (const auto& [name, value] : record.items()) {
+        const auto f = std::find_if(fields.begin(), fields.end(), [&](const FieldDef& d) { return d.name == name; });
+        if (f != fields.end()) {
+            cover(name, f->offset, f->width);
+            std::optional<std::vector<std::uint8_t>> raw;
+            switch (f->kind) {
+                case Kind::Text:
+                    raw = parse_exact_text(text_of(value, name));
+                    if (!raw) bad(fmt::format("\"{}\" holds a character above U+00FF", name));
+                    if (raw->size() > f->width)
+                        bad(fmt::format("\"{}\" has {} characters, its field {}", name, raw->size(), f->width));
+                    std::copy(raw->begin(), raw->end(), bytes.begin() + f->offset);
+                    break;
+                case Kind::Mac:
+                    raw = parse_mac(text_of(value, name));
+                    if (!raw) bad(fmt::format("\"{}\" must be six hex bytes such as 02:54:41:52:57:03", name));
+                    std::copy(raw->begin(), raw->end(), bytes.begin() + f->offset);
+                    break;
+                default: put(bytes, *f, number(value, name, 8 * f->width)); break;
+            }
+            continue;
+        }
+        std::uint32_t offset = 0;
+        const std::string_view digits = std::string_view(name).substr(std::min<std::size_t>(name.size(), 6));
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), offset);
+        if (name.rfind("opaque", 0) != 0 || digits.empty() || error != std::errc{} ||
+            end != digits.data() + digits.size())
+            bad(fmt::format("unknown record member \"{}\" for class {}", name, c.id));
+        const auto raw = parse_hex(text_of(value, name));
+        if (!raw || raw->empty()) bad(fmt::format("\"{}\" must be an even number of hex digits", name));
+        cover(name, offset, raw->size());
+        std::copy(raw->begin(), raw->end(), bytes.begin() + offset);
+    }
+    const auto missing = std::find(given.begin(), given.end(), false);
+    if (missing != given.end())
+        bad(fmt::format("the record does not give byte {} (of {})", missing - given.begin(), c.record));
+    return bytes;
 }
 
 }  // namespace tarvctl

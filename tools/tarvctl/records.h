@@ -18,10 +18,12 @@
 #define TARVCTL_RECORDS_H
 
 #include <cstdint>
+#include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "bytes.h"
 #include "classes.h"
@@ -78,6 +80,16 @@ inline constexpr FieldDef acResult{"acResult", 101, 404, Kind::Text};
     return record.subspan(f.offset, f.width);
 }
 
+// Sets an integer field (little-endian, cut to its width), and a text
+// field (its bytes, cut to the width, zeros after them).
+void put(MutableBytes record, const FieldDef& f, std::uint32_t value) noexcept;
+void put_text(MutableBytes record, const FieldDef& f, std::string_view text) noexcept;
+
+// A key of class c: wClass, then the identifiers (lHistoryId alone for the
+// throughput history), then for PM keys the session byte.
+[[nodiscard]] std::vector<std::uint8_t> make_key(const ClassDef& c, std::initializer_list<std::uint32_t> ids,
+                                                 std::uint8_t session = 0);
+
 // Identifiers of a key: wClass, then lId1.. as the key's size allows (for
 // PM keys lId1..lId3 and the session byte), for labels.
 struct KeyIds {
@@ -93,6 +105,12 @@ struct KeyIds {
 
 [[nodiscard]] Json key_json(const ClassDef& c, Bytes key);
 [[nodiscard]] Json record_json(const ClassDef& c, Bytes record);
+
+// The inverse of key_json and record_json: the bytes of the key and of the
+// record. Every member must be known and every byte given exactly once;
+// throws a usage error that says what is wrong otherwise.
+[[nodiscard]] std::vector<std::uint8_t> key_from_json(const ClassDef& c, const Json& key);
+[[nodiscard]] std::vector<std::uint8_t> record_from_json(const ClassDef& c, const Json& record);
 
 }  // namespace tarvctl
 

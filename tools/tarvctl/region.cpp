@@ -67,6 +67,21 @@ bool region_exists(const char* name) {
     return true;
 }
 
+void require_region(const char* name) {
+    if (region_exists(name)) return;
+    const bool data = std::string_view(name) == kDataRegion;
+    throw Failure(kExitNoRegion,
+                  fmt::format("no OAM {} region {}: create one with 'tarvctl init', or choose another with --prefix{}",
+                              data ? "data" : "checkpoint", object_name(name),
+                              data ? ", TARV_SHM_PREFIX or --region FILE" : " or TARV_SHM_PREFIX"));
+}
+
+std::uint8_t* map_for_writing(const char* name, std::uint32_t size) {
+    auto* base = static_cast<std::uint8_t*>(Pcor__OpenShm(name, size, PCOR_SHM_READ_WRITE));
+    if (base == nullptr) io_failure(fmt::format("cannot map {} for writing", object_name(name)));
+    return base;
+}
+
 DataRegion DataRegion::attach(const Options& options) {
     std::string where;
     if (!options.region_file.empty()) {
@@ -76,11 +91,7 @@ DataRegion DataRegion::attach(const Options& options) {
         where = "file " + options.region_file;
     } else {
         where = object_name(kDataRegion);
-        if (!region_exists(kDataRegion))
-            throw Failure(kExitNoRegion,
-                          fmt::format("no OAM data region {}: create one with 'tarvctl init', or choose another "
-                                      "with --prefix, TARV_SHM_PREFIX or --region FILE",
-                                      where));
+        require_region(kDataRegion);
     }
     const auto* base =
         static_cast<const std::uint8_t*>(Pcor__OpenShm(kDataRegion, kDataRegionSize, PCOR_SHM_READ_ONLY));

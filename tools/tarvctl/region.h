@@ -35,6 +35,14 @@ void refuse_region_file(const Options& options, const char* command);
 // True when the shared-memory object behind `name` exists.
 [[nodiscard]] bool region_exists(const char* name);
 
+// Throws kExitNoRegion, saying how to create it, when the shared-memory
+// region `name` does not exist.
+void require_region(const char* name);
+
+// The shared-memory region mapped read-write, created zero-filled when it
+// is missing; throws kExitIo when it cannot be mapped.
+[[nodiscard]] std::uint8_t* map_for_writing(const char* name, std::uint32_t size);
+
 // The data region attached for reading: the library through Tarv__Open, and
 // a read-only view of its bytes for what no library call reports. Throws
 // kExitNoRegion when the shared-memory region is missing and kExitIo when

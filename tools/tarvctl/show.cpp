@@ -1,8 +1,10 @@
 // tarvctl show [VIEW] [--json]: what the region holds, as the library reads
 // it, in aligned tables or JSON.
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 #include "commands.h"
@@ -10,6 +12,7 @@
 #include "show.h"
 #include "status.h"
 #include "style.h"
+#include "tarv/tarv.h"
 
 namespace tarvctl {
 namespace {
@@ -188,6 +191,7 @@ void throughput_text(const Configuration& c) {
                x.status == kEnabled ? "yes" : "no", std::to_string(x.a), std::to_string(x.b), std::to_string(x.c),
                std::to_string(x.d)});
     print_table_or_none(t, "no throughput tests");
+    fmt::print("a test enabled (Tarv_GetEnableStatusofThroughput): {}\n", c.throughput_enabled ? "yes" : "no");
     if (c.history.empty()) return;
     fmt::print("\n");
     Table h({"HISTORY", "RESULT"});
@@ -211,7 +215,7 @@ Json throughput_json(const Configuration& c) {
                          {"derived", x.d}});
     Json history = Json::array();
     for (const HistoryRecord& r : c.history) history.push_back({{"id", r.id}, {"result", r.result}});
-    return {{"tests", tests}, {"history", history}};
+    return {{"tests", tests}, {"anyEnabled", c.throughput_enabled}, {"history", history}};
 }
 
 void pm_text(const Configuration& c) {
@@ -252,6 +256,61 @@ Json bwn_json(const Configuration& c) {
                         {"mepId", mep_id_json(c, b.md, b.ma, b.mep)},
                         {"record", b.data}});
     return list;
+}
+
+// "0, 2" for the bits of an alarm word, "-" for none.
+std::string bits_text(std::uint16_t word) {
+    const auto bits = bits_of(word);
+    return bits.empty() ? "-" : fmt::format("{}", fmt::join(bits, ", "));
+}
+
+Json bits_json(std::uint16_t word) { return Json(bits_of(word)); }
+
+std::string word_text(std::uint16_t word) { return fmt::format("{:#06x}", word); }
+
+void alarms_text(const Configuration& c) {
+    const Alarms a = Alarms::read(c);
+    Table meps({"MEP", "SLOT", "ALARMS", "BITS", "TEXT"});
+    for (const MepAlarm& m : a.meps) {
+        std::string word = word_text(m.word);
+        if (m.stored != m.word) word += fmt::format(" ({} stored)", word_text(m.stored));
+        meps.add({m.named ? path_text({m.md, m.ma, m.mep}) : "-", std::to_string(m.slot), word, bits_text(m.word),
+                  m.text.empty() ? "-" : m.text});
+    }
+    print_table_or_none(meps, "no MEP alarms");
+    fmt::print("\n");
+    Table pm({"PM SESSION", "SLOT", "ALARMS", "BITS", "ALARM SOURCE"});
+    for (const PmAlarm& p : a.pm)
+        pm.add({fmt::format("{} #{}", path_text({p.md, p.ma, p.mep}), p.session), std::to_string(p.slot),
+                word_text(p.word), bits_text(p.word), p.source.empty() ? "-" : p.source});
+    print_table_or_none(pm, "no PM alarms");
+    fmt::print("\nMEP hardware alarm block: {}\n",
+               all_zero(a.hw) ? fmt::format("{} zero bytes", a.hw.size()) : hex(a.hw));
+}
+
+Json alarms_json(const Configuration& c) {
+    const Alarms a = Alarms::read(c);
+    Json meps = Json::array();
+    for (const MepAlarm& m : a.meps)
+        meps.push_back({{"slot", m.slot},
+                        {"md", m.named ? Json(m.md) : Json(nullptr)},
+                        {"ma", m.named ? Json(m.ma) : Json(nullptr)},
+                        {"mep", m.named ? Json(m.mep) : Json(nullptr)},
+                        {"alarms", m.word},
+                        {"stored", m.stored},
+                        {"bits", bits_json(m.word)},
+                        {"text", m.text}});
+    Json pm = Json::array();
+    for (const PmAlarm& p : a.pm)
+        pm.push_back({{"slot", p.slot},
+                      {"md", p.md},
+                      {"ma", p.ma},
+                      {"mep", p.mep},
+                      {"session", p.session},
+                      {"alarms", p.word},
+                      {"bits", bits_json(p.word)},
+                      {"source", p.source.empty() ? Json(nullptr) : Json(p.source)}});
+    return {{"meps", meps}, {"pm", pm}, {"hwBlock", hex(a.hw)}};
 }
 
 // ------------------------------------------------------------------ tree
@@ -301,7 +360,7 @@ void tree_text(const Configuration& c) {
 
 Json tree_json(const Configuration& c) {
     return {{"mds", mds_json(c)},   {"mas", mas_json(c)}, {"meps", meps_json(c)}, {"mips", mips_json(c)},
-            {"throughput", throughput_json(c)}, {"pm", pm_json(c)}, {"bwn", bwn_json(c)}};
+            {"throughput", throughput_json(c)}, {"pm", pm_json(c)}, {"bwn", bwn_json(c)}, {"alarms", alarms_json(c)}};
 }
 
 struct View {
@@ -315,9 +374,63 @@ constexpr View kViews[] = {
     {"mas", mas_text, mas_json},           {"meps", meps_text, meps_json},
     {"mips", mips_text, mips_json},        {"throughput", throughput_text, throughput_json},
     {"pm", pm_text, pm_json},              {"bwn", bwn_text, bwn_json},
+    {"alarms", alarms_text, alarms_json},
 };
 
+// The checkpoint record as Tarv__GetChkpData copies it, 16 bytes a line
+// with their characters, a run of equal lines shown once and then "*".
+int show_chkp(const Options& options, bool json) {
+    if (!options.region_file.empty())
+        throw Failure(kExitUsage, "--region: a saved region holds the data region only, not the checkpoint region");
+    require_region(kChkpRegion);
+    Tarv__ChkpOpen();
+    std::array<std::uint8_t, TARV_CHKP_DATA_SIZE> record{};
+    std::uint16_t section_value = 0;
+    Tarv__GetChkpData(TARV_CHKP_SECTION_ID, &section_value, record.data(), TARV_CHKP_DATA_SIZE);
+    const std::string where = object_name(kChkpRegion);
+    if (json) {
+        print_json({{"region", where}, {"sectionValue", section_value}, {"record", hex(record)}});
+        return kExitOk;
+    }
+    fmt::print("{}: checkpoint record, {} bytes, section {} value {}\n", where, record.size(), TARV_CHKP_SECTION_ID,
+               section_value);
+    std::string previous;
+    bool starred = false;
+    for (std::size_t at = 0; at < record.size(); at += 16) {
+        const Bytes line = Bytes(record).subspan(at, std::min<std::size_t>(16, record.size() - at));
+        std::string hex_part;
+        for (std::uint8_t b : line) hex_part += fmt::format(" {:02x}", b);
+        if (hex_part == previous && line.size() == 16) {
+            if (!starred) fmt::print("*\n");
+            starred = true;
+            continue;
+        }
+        previous = hex_part;
+        starred = false;
+        std::string chars;
+        for (std::uint8_t b : line) chars += b >= 0x20 && b < 0x7F ? static_cast<char>(b) : '.';
+        fmt::print("{:04x} {:<48}  {}\n", at, hex_part, chars);
+    }
+    fmt::print("{:04x}\n", record.size());
+    return kExitOk;
+}
+
 }  // namespace
+
+void print_tree(const Configuration& c) { tree_text(c); }
+
+std::vector<std::string> alarm_changes(std::string_view name, std::uint16_t before, std::uint16_t now) {
+    std::vector<std::string> lines;
+    auto add = [&](std::uint16_t bits, std::string_view how) {
+        if (bits == 0) return;
+        const auto numbers = bits_of(bits);
+        lines.push_back(fmt::format("* {}: alarm {} {} {}", name, numbers.size() == 1 ? "bit" : "bits",
+                                    fmt::join(numbers, ", "), how));
+    };
+    add(static_cast<std::uint16_t>(now & ~before), "raised");
+    add(static_cast<std::uint16_t>(before & ~now), "cleared");
+    return lines;
+}
 
 std::string summary(const Configuration& c) {
     return fmt::format("{}, {}, {}, {}, {}, {}, {}", count_text(c.mds.size(), "MD", "MDs"),
@@ -336,6 +449,7 @@ void add_show(CLI::App& app, const Options& options, Commands& commands) {
     auto args = std::make_shared<Args>();
     std::vector<std::string> names;
     for (const View& v : kViews) names.emplace_back(v.name);
+    names.emplace_back("chkp");
 
     CLI::App* show = app.add_subcommand("show", "Show what the region holds, through the library");
     show->footer(
@@ -344,12 +458,18 @@ void add_show(CLI::App& app, const Options& options, Commands& commands) {
         "  mas         maintenance associations with their components' tagging and CCM period\n"
         "  meps        MEPs: MEP id, MA, port (a LAG as lag N), VID, tagging, direction, MAC\n"
         "  mips        MIPs: MA, port, MAC\n"
-        "  throughput  throughput tests and the throughput history\n"
+        "  throughput  throughput tests, through their iterator and reader; whether one is enabled; the history\n"
         "  pm          PM sessions with their MEP\n"
-        "  bwn         bandwidth notifications with their MEP and record");
+        "  bwn         bandwidth notifications, through their iterator and reader, with their MEP and record\n"
+        "  alarms      alarm words of the MEPs by bit number, with their texts; PM alarms with the Y.1731 alarm\n"
+        "              source text of their session; the MEP hardware alarm block. A MEP's word is shown as\n"
+        "              Tarv__GetAlarms reports it, the stored one after it when they differ (bit 2 is reported\n"
+        "              only when the MEP's bAlarmBit2Enabled is set)\n"
+        "  chkp        the checkpoint record, in hex (not on a saved region)");
     show->add_option("view", args->view, "What to show (default: tree)")->check(CLI::IsMember(names));
     show->add_flag("--json", args->json, "JSON on standard output, for scripts");
-    commands.add(show, [&options, args] {
+    commands.add(show, [&options, args]() -> int {
+        if (args->view == "chkp") return show_chkp(options, args->json);
         const DataRegion region = DataRegion::attach(options);
         const Configuration c = Configuration::read();
         for (const View& v : kViews) {

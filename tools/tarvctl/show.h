@@ -2,7 +2,10 @@
 #ifndef TARVCTL_SHOW_H
 #define TARVCTL_SHOW_H
 
+#include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "objects.h"
 
@@ -10,6 +13,14 @@ namespace tarvctl {
 
 // "3 MDs, 3 MAs, 5 MEPs, 2 MIPs, 1 throughput test, 2 PM sessions, 5 bandwidth notifications".
 [[nodiscard]] std::string summary(const Configuration& c);
+
+// The lines `watch` prints when an alarm word changes from `before` to
+// `now`: "* NAME: alarm bits 0, 2 raised", then "... cleared".
+[[nodiscard]] std::vector<std::string> alarm_changes(std::string_view name, std::uint16_t before,
+                                                     std::uint16_t now);
+
+// The MD/MA/MEP tree and the summary, as `show` prints it.
+void print_tree(const Configuration& c);
 
 }  // namespace tarvctl
 

@@ -8,7 +8,6 @@
 #include <memory>
 
 #include "commands.h"
-#include "platform/pcor.h"
 #include "status.h"
 
 namespace tarvctl {
@@ -20,13 +19,6 @@ struct RegionDef {
 };
 constexpr RegionDef kRegions[] = {{kDataRegion, kDataRegionSize}, {kChkpRegion, kChkpRegionSize}};
 
-// The region mapped read-write, created zero-filled when it is missing.
-std::uint8_t* map_for_writing(const RegionDef& r) {
-    auto* base = static_cast<std::uint8_t*>(Pcor__OpenShm(r.name, r.size, PCOR_SHM_READ_WRITE));
-    if (base == nullptr) throw Failure(kExitIo, fmt::format("cannot map {} for writing", object_name(r.name)));
-    return base;
-}
-
 int init(bool force) {
     for (const RegionDef& r : kRegions) {
         const std::string object = object_name(r.name);
@@ -35,7 +27,7 @@ int init(bool force) {
             fmt::print("{} exists: left as it is (init --force clears it)\n", object);
             continue;
         }
-        std::uint8_t* base = map_for_writing(r);
+        std::uint8_t* base = map_for_writing(r.name, r.size);
         if (existed) {
             std::memset(base, 0, r.size);
             fmt::print("cleared {} ({} bytes)\n", object, r.size);
@@ -59,7 +51,7 @@ int save(const Options& options, const std::string& path) {
 
 int load(const std::string& path) {
     const std::vector<std::uint8_t> bytes = read_region_file(path);
-    std::uint8_t* base = map_for_writing(kRegions[0]);
+    std::uint8_t* base = map_for_writing(kDataRegion, kDataRegionSize);
     std::memcpy(base, bytes.data(), bytes.size());
     fmt::print("loaded {} into {}\n", path, object_name(kDataRegion));
     return kExitOk;

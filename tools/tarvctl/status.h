@@ -10,10 +10,11 @@ namespace tarvctl {
 
 enum Exit : int {
     kExitOk = 0,        // done; `check` found nothing
-    kExitFindings = 1,  // `check` found inconsistencies
-    kExitUsage = 2,     // bad command line: unknown subcommand, option, class or value
+    kExitFindings = 1,  // `check` found inconsistencies; a query's answer is no
+    kExitUsage = 2,     // bad command line or input: unknown subcommand, option, class or value
     kExitNoRegion = 3,  // the shared-memory region does not exist (tarvctl init creates it)
     kExitIo = 4,        // a file or region cannot be read, written or mapped, or has the wrong size
+    kExitRefused = 5,   // `demo` on a region that is not empty, without --force
 };
 
 // A failure that ends the command with `code` after printing `what()`.

@@ -1,11 +1,13 @@
 // tarvctl watch: polls the region and prints what changed, class by class,
-// until interrupted (or for --count polls).
+// and the alarm bits raised and cleared, until interrupted (or for --count
+// polls).
 #include <signal.h>
 #include <time.h>
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <functional>
@@ -18,6 +20,7 @@
 #include "records.h"
 #include "show.h"
 #include "status.h"
+#include "tarv/tarv.h"
 
 namespace tarvctl {
 namespace {
@@ -85,6 +88,60 @@ private:
     std::vector<std::vector<std::uint8_t>> keys_;
 };
 
+// The alarm words of the MEP slots (Tarv__GetAlarms) and of the PM slots
+// (Tarv__GetPMAlarms), each slot named by the MOID or key the library gives
+// for it.
+class AlarmWatch {
+public:
+    AlarmWatch() { read(meps_, pm_); }
+
+    // Lines for the bits raised and cleared since the last poll.
+    void poll(std::vector<std::string>& changes) {
+        Words meps{};
+        Words pm{};
+        read(meps, pm);
+        for (std::uint32_t slot = 0; slot < TARV_MEP_SLOTS; ++slot)
+            if (meps[slot] != meps_[slot]) report(mep_name(slot), meps_[slot], meps[slot], changes);
+        for (std::uint32_t slot = 0; slot < TARV_PM_SLOTS; ++slot)
+            if (pm[slot] != pm_[slot]) report(pm_name(slot), pm_[slot], pm[slot], changes);
+        meps_ = meps;
+        pm_ = pm;
+    }
+
+private:
+    using Words = std::array<std::uint16_t, TARV_MEP_SLOTS>;
+
+    static void read(Words& meps, Words& pm) {
+        Tarv__GetAlarms(meps.data());
+        std::array<std::uint8_t, TARV_PM_ALARM_BLOCK_SIZE> block{};
+        Tarv__GetPMAlarms(block.data());
+        for (std::uint32_t slot = 0; slot < TARV_PM_SLOTS; ++slot) pm[slot] = le16(block.data() + 2 * slot);
+    }
+
+    static void report(const std::string& name, std::uint16_t before, std::uint16_t now,
+                       std::vector<std::string>& changes) {
+        for (std::string& line : alarm_changes(name, before, now)) changes.push_back(std::move(line));
+    }
+
+    static std::string mep_name(std::uint32_t slot) {
+        TARV_MOID moid{};
+        char text[TARV_ALARM_TEXT_SIZE];
+        Tarv__GetDetailsForAlarm(slot, &moid, text);
+        const Bytes key(reinterpret_cast<const std::uint8_t*>(&moid), TARV_MOID_SIZE);
+        return all_zero(key) ? fmt::format("MEP slot {}", slot) : label(class_of(cls::kMep), key);
+    }
+
+    static std::string pm_name(std::uint32_t slot) {
+        TARV_PM_KEY key{};
+        Tarv__GetPMAlarmMoid(slot, &key);
+        const Bytes bytes(reinterpret_cast<const std::uint8_t*>(&key), TARV_PM_KEY_SIZE);
+        return all_zero(bytes) ? fmt::format("PM slot {}", slot) : label(class_of(cls::kPmSession), bytes);
+    }
+
+    Words meps_{};
+    Words pm_{};
+};
+
 int watch(const Options& options, std::uint32_t interval_ms, std::uint32_t count) {
     catch_stop_signals();
     const DataRegion region = DataRegion::attach(options);
@@ -94,6 +151,8 @@ int watch(const Options& options, std::uint32_t interval_ms, std::uint32_t count
         auto w = std::make_shared<ClassWatch>(c);
         watches.emplace_back([w](std::vector<std::string>& changes) { w->poll(changes); });
     }
+    auto alarms = std::make_shared<AlarmWatch>();
+    watches.emplace_back([alarms](std::vector<std::string>& changes) { alarms->poll(changes); });
     fmt::print("watching {} every {} ms: {}\n", region.where(), interval_ms, summary(Configuration::read()));
     std::fflush(stdout);
     for (std::uint32_t polls = 1; count == 0 || polls < count; ++polls) {
@@ -117,7 +176,8 @@ void add_watch(CLI::App& app, const Options& options, Commands& commands) {
     CLI::App* cmd = app.add_subcommand("watch", "Print what changes in the region, until interrupted");
     cmd->footer(
         "Poll the region and print each change as it is seen, class by class: \"+ MEP 1/1/4\" for an object "
-        "added, \"- MIP 1/1/2\" for one removed. A class counts once two reads in a row agree, so a class the "
+        "added, \"- MIP 1/1/2\" for one removed; then the alarm bits of MEPs and PM sessions, \"* MEP 1/1/2: alarm "
+        "bits 0, 2 raised\" or \"... cleared\". A class counts once two reads in a row agree, so a class the "
         "controller is rewriting is not reported half written. Runs until interrupted (SIGINT, SIGTERM; exit "
         "status 0) or for --count polls.");
     cmd->add_option("--interval", args->interval, "Milliseconds between polls (default 1000)")

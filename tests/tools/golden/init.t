@@ -19,7 +19,7 @@ $ tarvctl init
 $ tarvctl show mds
 MD  NAME      LEVEL  MAS  MEPS
 1   Customer  5      1    2
-2   Provider  3      1    2
+2   Provider  3      1    3
 3   Operator  7      1    1
 [exit 0]
 $ tarvctl init --force

@@ -14,7 +14,7 @@ $ tarvctl --region demo.bin show --json
       "name": "Provider",
       "level": 3,
       "mas": 1,
-      "meps": 2
+      "meps": 3
     },
     {
       "md": 3,
@@ -52,7 +52,7 @@ $ tarvctl --region demo.bin show --json
           "vid": 200
         }
       ],
-      "meps": 2,
+      "meps": 3,
       "mips": 1
     },
     {
@@ -141,6 +141,20 @@ $ tarvctl --region demo.bin show --json
       "tagging": "VFI",
       "direction": "Down",
       "mac": "02:54:41:52:57:04"
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "mep": 6,
+      "mepId": 203,
+      "maName": "Backbone-200",
+      "slot": 2,
+      "port": 6,
+      "lag": 6,
+      "vid": 200,
+      "tagging": "S-VLAN",
+      "direction": "Down",
+      "mac": "02:54:41:52:56:07"
     }
   ],
   "mips": [
@@ -194,6 +208,7 @@ $ tarvctl --region demo.bin show --json
         "derived": 1
       }
     ],
+    "anyEnabled": true,
     "history": [
       {
         "id": 1,
@@ -258,8 +273,69 @@ $ tarvctl --region demo.bin show --json
       "mep": 5,
       "mepId": 301,
       "record": "000000000000000000000000000000000000"
+    },
+    {
+      "md": 2,
+      "ma": 2,
+      "mep": 6,
+      "mepId": 203,
+      "record": "000000000000000000000000000000000000"
     }
-  ]
+  ],
+  "alarms": {
+    "meps": [
+      {
+        "slot": 1,
+        "md": 1,
+        "ma": 1,
+        "mep": 2,
+        "alarms": 5,
+        "stored": 5,
+        "bits": [
+          0,
+          2
+        ],
+        "text": "RDI received from MEP 12"
+      },
+      {
+        "slot": 3,
+        "md": 2,
+        "ma": 2,
+        "mep": 4,
+        "alarms": 2,
+        "stored": 6,
+        "bits": [
+          1
+        ],
+        "text": "CCMs from MEP 201 lost"
+      }
+    ],
+    "pm": [
+      {
+        "slot": 1,
+        "md": 1,
+        "ma": 1,
+        "mep": 1,
+        "session": 1,
+        "alarms": 0,
+        "bits": [],
+        "source": "S1,P3,Svid100,Dn,L5,Id101,MAID:Customer/CustomerVPN-100"
+      },
+      {
+        "slot": 2,
+        "md": 2,
+        "ma": 2,
+        "mep": 3,
+        "session": 2,
+        "alarms": 16,
+        "bits": [
+          4
+        ],
+        "source": "S4,P2,Svid200,Dn,L3,Id201,MAID:Provider/Backbone-200"
+      }
+    ],
+    "hwBlock": "00000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
+  }
 }
 [exit 0]
 $ tarvctl --region empty.bin show pm --json

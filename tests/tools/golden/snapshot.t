@@ -9,6 +9,7 @@ MEP    ID   MA               PORT   VID  TAGGING  DIR   MAC
 2/2/3  201  Backbone-200     4/2    200  S-VLAN   Down  02:54:41:52:5a:02
 2/2/4  202  Backbone-200     3/7    200  S-VLAN   Up    02:54:41:52:59:01
 3/3/5  301  Metro-VFI-7      1/4    7    VFI      Down  02:54:41:52:57:04
+2/2/6  203  Backbone-200     lag 6  200  S-VLAN   Down  02:54:41:52:56:07
 [exit 0]
 $ tarvctl snapshot save copy.bin
 saved /T-kelm-data to copy.bin (453075 bytes)

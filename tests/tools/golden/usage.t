@@ -1,14 +1,14 @@
 # Bad command lines end with status 2 before anything is read or written.
 $ tarvctl
-! tarvctl: a subcommand is required: init, show, check, get, snapshot or watch
+! tarvctl: a subcommand is required: init, demo, show, port, vlan, vfi, lag, slot, check, get, set, snapshot or watch
 ! Run 'tarvctl --help' for more information.
 [exit 2]
 $ tarvctl frobnicate
 ! tarvctl: The following argument was not expected: frobnicate
 ! Run 'tarvctl --help' for more information.
 [exit 2]
-$ tarvctl show alarms
-! tarvctl: view: alarms not in {tree,mds,mas,meps,mips,throughput,pm,bwn}
+$ tarvctl show frob
+! tarvctl: view: frob not in {tree,mds,mas,meps,mips,throughput,pm,bwn,alarms,chkp}
 ! Run 'tarvctl --help' for more information.
 [exit 2]
 $ tarvctl get
