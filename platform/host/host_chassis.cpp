@@ -37,7 +37,7 @@ int32_t Prtm__LagGetLagPortList(uint32_t lLagId, uint8_t* pPortList) {
     if (lLagId >= tarv::host::kLagIds) return 0;
     const tarv::host::Lag& lag = model().lags[lLagId];
     pPortList[0] = lag.count;
-    std::memcpy(pPortList + 1, lag.members.data(), 2u * lag.count);
+    std::memcpy(pPortList + 1, lag.members.data(), 2 * std::size_t{lag.count});
     return 0;
 }
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "host_model.h"
@@ -29,17 +30,23 @@ RegionFile* region_file(const char* name) noexcept {
     return nullptr;
 }
 
+// The text of an errno value; unlike strerror, safe beside other threads.
+const char* error_text(int error) noexcept {
+    const char* text = strerrordesc_np(error);
+    return text != nullptr ? text : "unknown error";
+}
+
 // A private copy-on-write mapping of the first `size` bytes of a region file.
 void* map_file(const char* name, const char* path, std::uint32_t size, bool read_only, std::int32_t flag) noexcept {
     const int fd = open(path, O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
-        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: %s", name, size, flag, path, std::strerror(errno));
+        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: %s", name, size, flag, path, error_text(errno));
         return nullptr;
     }
     struct stat st {};
     void* base = MAP_FAILED;
     if (fstat(fd, &st) != 0) {
-        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: fstat: %s", name, size, flag, path, std::strerror(errno));
+        diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: fstat: %s", name, size, flag, path, error_text(errno));
     } else if (st.st_size < static_cast<off_t>(size)) {
         diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s has %lld bytes, fewer than asked", name, size, flag, path,
                    static_cast<long long>(st.st_size));
@@ -47,7 +54,7 @@ void* map_file(const char* name, const char* path, std::uint32_t size, bool read
         base = mmap(nullptr, size, read_only ? PROT_READ : PROT_READ | PROT_WRITE, MAP_PRIVATE, fd, 0);
         if (base == MAP_FAILED)
             diagnostic("Pcor__OpenShm(\"%s\", %u, %d): file %s: mmap: %s", name, size, flag, path,
-                       std::strerror(errno));
+                       error_text(errno));
     }
     close(fd);
     return base == MAP_FAILED ? nullptr : base;
@@ -65,10 +72,7 @@ bool object_name(const char* name, char* out, std::size_t size) noexcept {
     const char* prefix = model().shm_prefix;
     const std::size_t length = 1 + std::strlen(prefix) + std::strlen(name + 1);
     if (length > TARV_HOST_SHM_NAME_MAX || length >= size) return false;
-    out[0] = '/';
-    std::strcpy(out + 1, prefix);
-    std::strcat(out, name + 1);
-    return true;
+    return std::snprintf(out, size, "/%s%s", prefix, name + 1) == static_cast<int>(length);
 }
 
 // Opens the object; for read-write access creates it when it is missing.
@@ -96,7 +100,7 @@ void* map_object(const char* object, std::uint32_t size, bool read_only, std::in
     const int fd = open_object(object, read_only, created);
     if (fd < 0) {
         if (!(read_only && errno == ENOENT))
-            diagnostic("Pcor__OpenShm(\"%s\", %u, %d): open: %s", object, size, flag, std::strerror(errno));
+            diagnostic("Pcor__OpenShm(\"%s\", %u, %d): open: %s", object, size, flag, error_text(errno));
         return nullptr;
     }
     const char* failed = nullptr;
@@ -125,7 +129,7 @@ void* map_object(const char* object, std::uint32_t size, bool read_only, std::in
         error = errno;
         failed = "mmap";
     }
-    diagnostic("Pcor__OpenShm(\"%s\", %u, %d): %s: %s", object, size, flag, failed, std::strerror(error));
+    diagnostic("Pcor__OpenShm(\"%s\", %u, %d): %s: %s", object, size, flag, failed, error_text(error));
     close(fd);
     if (created) shm_unlink(object);  // leave no half-made object behind
     return nullptr;
@@ -174,8 +178,9 @@ int TarvHost_SetRegionFile(const char* pName, const char* pPath) {
     for (RegionFile& f : g_region_files)
         if (file == nullptr && f.name[0] == '\0') file = &f;
     if (file == nullptr) return -1;
-    std::strcpy(file->name, pName);
-    std::strcpy(file->path, pPath);
+    // Both lengths are checked above against the fields' sizes.
+    std::memcpy(file->name, pName, std::strlen(pName) + 1);
+    std::memcpy(file->path, pPath, std::strlen(pPath) + 1);
     return 0;
 }
 

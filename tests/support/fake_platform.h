@@ -44,6 +44,17 @@ struct ShmCall {
 struct FakePlatform {
     // Traces and calls seen since the last reset.
     std::vector<TraceRecord> traces;
+    // When false, trace statements are counted but not recorded: each print
+    // is still formatted, into a fixed buffer, so that every argument is
+    // used, but nothing is allocated and no system call is made; the
+    // platform requests below are not logged either. For checks that forbid
+    // the heap or the kernel while the library runs, and for threads.
+    bool keep_traces = true;
+    // Every trace statement printed, recorded or not, and those of them that
+    // were not opened by WQ_beginImpl or not closed by WQ_endImpl on the
+    // same object.
+    std::size_t trace_count = 0;
+    std::size_t unpaired_count = 0;
     std::vector<ShmCall> shm_calls;
     // Runs after each trace is recorded: lets a test change the region in
     // the middle of a call, as the controller may.
@@ -52,6 +63,9 @@ struct FakePlatform {
     // Level words of DBG_KELM and of module 142.
     void set_debug_level(std::uint32_t level);
     void set_module_level(std::uint32_t level);
+    // When set, Trcd__GetTrace(142) answers null, as a platform without a
+    // trace object for the module would.
+    bool module_object_missing = false;
 
     // Pcor__OpenShm: when false, every open fails (returns null).
     bool shm_succeeds = true;

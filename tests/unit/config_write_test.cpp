@@ -101,19 +101,19 @@ TEST_P(EveryClass, WritesItsRecordsAndDerivedEntriesAndNothingElse) {
     std::vector<Table> emptied;
     if (c.rule == ClassRule::List || c.rule == ClassRule::History) emptied = {c.keys, c.data};
     for (const auto& [keys, data, w_class] : extras.companions) emptied.insert(emptied.end(), {keys, data});
-    for (Table t : emptied) std::fill_n(want.begin() + info(t).base, info(t).bytes(), 0);
+    for (Table t : emptied) std::fill_n(want.data() + info(t).base, info(t).bytes(), 0);
     std::vector<Bytes> records;
     for (const auto& [slot, r] : placed) {
         records.push_back(r);
-        std::copy_n(r.begin(), k, want.begin() + info(c.keys).base + slot * k);
+        std::copy_n(r.begin(), k, want.data() + info(c.keys).base + slot * k);
         std::uint8_t* record = want.data() + info(c.data).base + slot * c.record_size();
-        std::copy(r.begin() + k, r.end(), record);
+        std::copy(r.data() + k, r.data() + r.size(), record);
         for (std::uint32_t offset : extras.ones) store_le<std::uint32_t>(record + offset, 1);
         for (const auto& [keys, data, w_class] : extras.companions) {
             std::uint8_t* companion = want.data() + info(keys).base + slot * info(keys).entry;
             std::copy_n(r.begin(), k, companion);
             store_le<std::uint16_t>(companion, w_class);
-            if (info(keys).key > k) std::copy_n(r.begin() + k - 4, 4, companion + k);
+            if (info(keys).key > k) std::copy_n(r.data() + k - 4, 4, companion + k);
         }
     }
     const auto input = c.rule == ClassRule::NoStorage ? guarded(0) : list(c, records);
@@ -124,7 +124,7 @@ TEST_P(EveryClass, WritesItsRecordsAndDerivedEntriesAndNothingElse) {
     for (std::uint32_t s = 0; c.rule == ClassRule::List && s < c.slots(); ++s)
         for (auto [offset, width] : extras.computed)
             for (Bytes* region : {&got, &want})
-                std::fill_n(region->begin() + info(c.data).base + s * c.record_size() + offset, width, 0);
+                std::fill_n(region->data() + info(c.data).base + s * c.record_size() + offset, width, 0);
     EXPECT_TRUE(got == want) << "first difference at "
                              << std::mismatch(got.begin(), got.end(), want.begin()).first - got.begin();
     EXPECT_EQ(traced(true), c.id == 848 ? Lines{"6 Tarv__SetConfig_BandwidthNotification: Enter"} : Lines{});
@@ -153,7 +153,7 @@ TEST_F(SetConfigTest, RecordsGoToTheSlotTheirKeyNames) {
         EXPECT_EQ(Tarv__SetConfig(id, list(c, records, terminated)->data()), 0) << id;
         Bytes want(c.slots() * c.transfer_size(), 0), got;
         for (auto [slot, index] : stored)
-            std::copy(records[index].begin(), records[index].end(), want.begin() + slot * c.transfer_size());
+            std::copy(records[index].begin(), records[index].end(), want.data() + slot * c.transfer_size());
         for (std::uint32_t s = 0; s < c.slots(); ++s) {
             got.insert(got.end(), entry(pStorData, c.keys, s), entry(pStorData, c.keys, s) + c.key_size());
             got.insert(got.end(), entry(pStorData, c.data, s), entry(pStorData, c.data, s) + c.record_size());

@@ -110,6 +110,9 @@ public:
     }
 
 private:
+    // Written from the start, up to length_, before any byte of it is read;
+    // not cleared beforehand, as the text is built once per alarm.
+    // cppcheck-suppress uninitMemberVarPrivate
     char text_[TARV_MEP_ALARM_INFO_SIZE];
     std::size_t length_ = 0;
 };

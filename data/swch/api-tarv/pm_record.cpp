@@ -217,7 +217,8 @@ inline constexpr Piece kUnitPercent{" %", 2};
 // structure shared by every thread, so two reporters converting at the same
 // time would race on it.
 [[nodiscard]] Piece locale_decimal_point() noexcept {
-    const char* point = nl_langinfo(RADIXCHAR);
+    // glibc's nl_langinfo is safe beside other threads (MT-Safe locale).
+    const char* point = nl_langinfo(RADIXCHAR);  // NOLINT(concurrency-mt-unsafe)
     return Piece{point, std::strlen(point)};
 }
 
@@ -291,6 +292,9 @@ struct Limbs {
                 limb[i] = static_cast<std::uint32_t>(t % kBase);
                 carry = t / kBase;
             }
+            // The product stays below 10^36, so the carry is spent before a
+            // fifth limb would be needed: count < kMax never stops this loop,
+            // it only keeps a wrong caller inside the array.
             while (carry != 0u && count < kMax) {
                 limb[count++] = static_cast<std::uint32_t>(carry % kBase);
                 carry /= kBase;
@@ -314,6 +318,8 @@ void store_long_real(std::uint8_t* field, double value, Piece unit) noexcept {
     char text[128];
     const int written = std::snprintf(text, sizeof text, "%.17g", value);
     std::size_t n = written > 0 ? static_cast<std::size_t>(written) : 0u;
+    // Both cuts need a decimal point longer than 9 bytes, which no locale
+    // has: no test can reach them.
     if (n > kMaxText) n = kMaxText;
     for (std::size_t i = 0; i < unit.size && n < kMaxText; ++i) text[n++] = unit.text[i];
     std::memcpy(field, text, n);
@@ -343,7 +349,9 @@ void store_real(std::uint8_t* field, double value, Piece point, Piece unit) noex
     const std::uint64_t mantissa = biased != 0 ? (fraction | (std::uint64_t{1} << 52)) : fraction;
     const int exponent = (biased != 0 ? biased : 1) - 1075;
 
-    // 2^90 has 28 integer digits: no such value fits with any unit.
+    // 2^90 has 28 integer digits: no such value fits with any unit. A decimal
+    // point longer than a whole field (no locale has one, so no test) would
+    // leave no room for the digits either.
     if (biased - 1023 >= 90 || point.size > kMaxText) {
         store_long_real(field, value, unit);
         return;
@@ -465,7 +473,9 @@ inline constexpr int kMaxFastDecimals = 22;  // 10^22 is the largest exact power
     std::memcpy(text, field, kTextField);
     text[kTextField] = '\0';
     double parsed = 0.0;
-    if (std::sscanf(text, "%lf", &parsed) != 1) return false;
+    // The text is read as sscanf("%lf") reads it, by the record's contract;
+    // its result tells whether a number was there.
+    if (std::sscanf(text, "%lf", &parsed) != 1) return false;  // NOLINT(cert-err34-c)
     value = parsed;
     return true;
 }
@@ -488,6 +498,8 @@ void copy_bytes(std::uint8_t* to, const std::uint8_t* from, std::size_t size) no
             std::memcpy(to, from, 20);
             break;
         default:
+            // Every copied field of the DM and LM records is 1, 4 or 20 bytes
+            // wide: no record reaches this case.
             std::memcpy(to, from, size);
             break;
     }
@@ -497,6 +509,8 @@ template <std::size_t N>
 void ms_to_im(const FieldMap (&fields)[N], Piece unit, std::uint8_t* im, const std::uint8_t* ms) noexcept {
     const Piece point = locale_decimal_point();
     for (const FieldMap& f : fields) {
+        // Every Rule has its case: the edge a compiler adds for other values
+        // of the enumeration is never taken.
         switch (f.rule) {
             case Rule::Copy:
                 copy_bytes(im + f.im, ms + f.ms, f.ms_size);
@@ -521,6 +535,8 @@ template <std::size_t N>
 void im_to_ms(const FieldMap (&fields)[N], std::uint8_t* ms, const std::uint8_t* im) noexcept {
     const bool period_is_point = is_period(locale_decimal_point());
     for (const FieldMap& f : fields) {
+        // Every Rule has its case: the edge a compiler adds for other values
+        // of the enumeration is never taken.
         switch (f.rule) {
             case Rule::Copy:
             case Rule::Text20:

@@ -121,8 +121,9 @@ extern "C" TARV_API uint32_t Tarv_GetEnableStatusofThroughput(void) {
     for (const TARV_THROUGHPUT_KEY* p = Tarv__ThroughputListMoidIterator(nullptr); p != nullptr;
          p = Tarv__ThroughputListMoidIterator(p)) {
         // The key is copied once; when the controller has emptied the slot
-        // since the iterator handed it out, the all-zero key would read the
-        // meaningless record of the first empty slot: skip it. A key that
+        // since the iterator handed it out (a moment no test can time), the
+        // all-zero key would read the meaningless record of the first empty
+        // slot: skip it. A key that
         // changed to one no longer in the table reads nothing, and the
         // cleared buffer then says "not enabled".
         TARV_THROUGHPUT_KEY key;

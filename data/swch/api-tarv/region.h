@@ -318,8 +318,10 @@ template <typename OnBadHint>
         // Two slots holding the same key would send the walk back to the
         // first of them forever; a previous pointer into the table itself
         // therefore continues after its own slot while that slot still holds
-        // the key. An emptied slot is no such duplicate: its all-zero key is
-        // looked up like any other and matches the first empty slot.
+        // the key (it no longer does only when the controller rewrote it
+        // since the copy above, a moment no test can time). An emptied slot
+        // is no such duplicate: its all-zero key is looked up like any other
+        // and matches the first empty slot.
         const std::uint32_t own = slot_of(base, t, prev);
         if (found != kNotFound && own != kNotFound && own > found && !key_empty(key, ti.key) &&
             std::memcmp(entry(base, t, own), key, ti.key) == 0)

@@ -27,6 +27,8 @@ inline constexpr EndpointTest kEndpointTests[] = {
     {macomp::kVfi, "Tarv__IsEndpointVfi"},
 };
 
+// Every tagging a query asks about has its test: the empty name is never
+// returned.
 constexpr const char* endpoint_test_name(std::uint32_t tagging) noexcept {
     for (const EndpointTest& t : kEndpointTests)
         if (t.tagging == tagging) return t.function;

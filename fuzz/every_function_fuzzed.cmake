@@ -1,0 +1,28 @@
+# Fails when an exported function is called by no fuzz target: its name
+# must appear in a target or the support header of fuzz/.
+# The hook that takes no argument and does nothing is the one exception.
+# cmake -DEXPORTED=tests/symbols/exported.txt -DFUZZ_DIR=fuzz -P every_function_fuzzed.cmake
+cmake_minimum_required(VERSION 3.25)
+set(no_input Tarv__SaveXMLIfOldConfig)
+file(STRINGS ${EXPORTED} functions)
+file(GLOB targets ${FUZZ_DIR}/*_fuzz.cpp ${FUZZ_DIR}/fuzz_support.h)
+set(sources "")
+foreach(target ${targets})
+  file(READ ${target} text)
+  string(APPEND sources "${text}")
+endforeach()
+set(missing "")
+foreach(function ${functions})
+  if(function IN_LIST no_input)
+    continue()
+  endif()
+  string(REGEX MATCH "${function}[^A-Za-z0-9_]" used "${sources}")
+  if(NOT used)
+    list(APPEND missing ${function})
+  endif()
+endforeach()
+if(missing)
+  message(FATAL_ERROR "exported but called by no fuzz target: ${missing}")
+endif()
+list(LENGTH functions count)
+message(STATUS "${count} exported functions, every one with input fuzzed")
