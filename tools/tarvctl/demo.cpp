@@ -209,7 +209,7 @@ void write_configuration() {
 }
 
 std::uint8_t* at(std::uint8_t* region, const AreaDef& a, std::uint32_t slot) {
-    return region + a.base + std::size_t{slot} * a.entry;
+    return region + a.base + static_cast<std::size_t>(slot) * a.entry;
 }
 
 // The controller's part, written straight into the region.
@@ -217,7 +217,7 @@ void write_controller_state(std::uint8_t* region) {
     const ClassDef& mep = class_of(cls::kMep);
     for (const DemoMep& m : kMeps) {
         const std::uint32_t slot = m.mep - 1;
-        std::uint8_t* record = region + mep.data.base + std::size_t{slot} * mep.record;
+        std::uint8_t* record = region + mep.data.base + static_cast<std::size_t>(slot) * mep.record;
         put(MutableBytes(record, mep.record), field::wAlarmBits, m.alarm_bits);
         const std::vector<std::uint8_t> key = make_key(mep, {m.md, m.ma, m.mep});
         std::memcpy(at(region, area::kMepOldMoid, slot), key.data(), key.size());

@@ -29,9 +29,7 @@ void error_line(const std::string& message) {
     fmt::print(stderr, "{} {}\n", tarvctl::paint(stderr, tarvctl::Tone::Bad, "tarvctl:"), message);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run_command_line(int argc, char** argv) {
     using namespace tarvctl;
     Options options;
     CLI::App app("Inspect and diagnose the OAM regions of the switch through libtarv.", "tarvctl");
@@ -81,12 +79,24 @@ int main(int argc, char** argv) {
         }
         return (*run)();
     } catch (const Failure& f) {
-        std::fflush(stdout);
+        (void)std::fflush(stdout);
         error_line(f.what());
         return f.code();
     } catch (const std::exception& e) {
-        std::fflush(stdout);
+        (void)std::fflush(stdout);
         error_line(e.what());
         return kExitIo;
+    }
+}
+
+}  // namespace
+
+// Setting up the parser or printing an error can throw as well (no memory, a
+// stderr that cannot be written): the program then ends as on an I/O failure.
+int main(int argc, char** argv) {
+    try {
+        return run_command_line(argc, argv);
+    } catch (...) {
+        return tarvctl::kExitIo;
     }
 }

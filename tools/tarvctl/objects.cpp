@@ -203,7 +203,7 @@ Alarms Alarms::read(const Configuration& c) {
     for (std::uint32_t slot = 0; slot < TARV_PM_SLOTS; ++slot) {
         TARV_PM_KEY key{};
         Tarv__GetPMAlarmMoid(slot, &key);
-        const auto word = le16(block.data() + 2 * slot);
+        const auto word = le16(block.data() + static_cast<std::size_t>(slot) * 2);
         const Bytes key_bytes(reinterpret_cast<const std::uint8_t*>(&key), TARV_PM_KEY_SIZE);
         if (word == 0 && all_zero(key_bytes)) continue;
         std::array<char, TARV_MEP_ALARM_INFO_SIZE> info{};

@@ -62,6 +62,7 @@ public:
 
 private:
     struct Row {
+        // cppcheck-suppress unusedStructMember ; print() and json() read both
         std::string question, call;
         Json answer;
     };
@@ -141,7 +142,7 @@ std::vector<IdQuestion> id_questions(std::int32_t s, std::int32_t p) {
              TARV_MOID moid{};
              std::array<std::uint8_t, TARV_MEP_RECORD_SIZE> record{};
              // Each call hands out the next one from the index given.
-             for (std::int32_t at = 0; Tarv__FindDownMepFromSomeWhereOnCVlanPort(s, p, v, &at, &moid, record.data());
+             for (std::int32_t at = 0; Tarv__FindDownMepFromSomeWhereOnCVlanPort(s, p, v, &at, &moid, record.data()) != 0;
                   ++at)
                  found.push_back(path_of(moid));
              return found;
@@ -165,7 +166,7 @@ int port(const Options& options, const PortArgs& args) {
     const bool narrow = !args.new_range.empty();
     const IdRange narrowed = narrow ? parse_range(args.new_range, "--new-range") : IdRange{0, 0};
 
-    const DataRegion region = DataRegion::attach(options);
+    DataRegion::attach(options);  // the library reads the region from here on
     const Configuration c = Configuration::read();
     const std::int32_t s = at.slot;
     const std::int32_t p = at.port;
@@ -253,7 +254,7 @@ std::string components_with(const Configuration& c, std::uint32_t id, std::initi
 
 int switch_wide(const Options& options, bool vfi, const std::string& text, bool json) {
     const std::uint32_t id = vfi ? parse_number(text, 1, kMaxId16, "VFI") : parse_number(text, 1, kMaxVid, "VID");
-    const DataRegion region = DataRegion::attach(options);
+    DataRegion::attach(options);  // the library reads the region from here on
     const Configuration c = Configuration::read();
     const auto v = static_cast<std::int32_t>(id);
     Answers answers;
@@ -291,20 +292,21 @@ LagMembers lag_members(std::uint8_t lag) {
 
 std::string members_text(const LagMembers& members) {
     std::vector<std::string> texts;
-    for (const auto& [slot, port] : members) texts.push_back(path_text({slot, port}));
+    for (const auto& [member_slot, member_port] : members) texts.push_back(path_text({member_slot, member_port}));
     return texts.empty() ? "none" : fmt::format("{}", fmt::join(texts, ", "));
 }
 
 int lag(const Options& options, const std::string& text, bool json) {
     const auto id = static_cast<std::uint8_t>(parse_number(text, 0, 255, "LAG id"));
-    const DataRegion region = DataRegion::attach(options);
+    DataRegion::attach(options);  // the library reads the region from here on
     const Configuration c = Configuration::read();
     std::uint32_t period = 0;
     const bool used = Tarv__IsOamEnabledOnLagOpt(id, &period) != 0;
     const auto members = lag_members(id);
     if (json) {
         Json m = Json::array();
-        for (const auto& [slot, port] : members) m.push_back({{"slot", slot}, {"port", port}});
+        for (const auto& [member_slot, member_port] : members)
+            m.push_back({{"slot", member_slot}, {"port", member_port}});
         print_json({{"lag", id},
                     {"answers", {{"Tarv__IsOamEnabledOnLagOpt", used}}},
                     {"ccmPeriod", used ? Json(period) : Json(nullptr)},
@@ -324,7 +326,7 @@ int lag(const Options& options, const std::string& text, bool json) {
 // Whether a slot can take one more MEP, with the units each MEP puts on it.
 int slot(const Options& options, const std::string& text, std::int32_t ccm_period, bool json) {
     const auto at = static_cast<std::uint8_t>(parse_number(text, 0, 255, "SLOT"));
-    const DataRegion region = DataRegion::attach(options);
+    DataRegion::attach(options);  // the library reads the region from here on
     const Configuration c = Configuration::read();
     const bool fits = Tarv__MepResourcesAvailableOnSlot(at, ccm_period) != 0;
     constexpr std::uint32_t kLimit = 1000;

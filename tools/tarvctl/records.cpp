@@ -109,7 +109,7 @@ KeyIds key_ids(const ClassDef& c, Bytes key) noexcept {
     }
     ids.cls = le16(key.data());
     ids.count = id_count(c);
-    for (std::uint32_t i = 0; i < ids.count; ++i) ids.id[i] = le32(key.data() + 2 + 4 * i);
+    for (std::uint32_t i = 0; i < ids.count; ++i) ids.id[i] = le32(key.data() + 2 + static_cast<std::size_t>(i) * 4);
     if (c.session_keyed()) ids.session = key[14];
     return ids;
 }
@@ -187,28 +187,30 @@ std::vector<std::uint8_t> key_from_json(const ClassDef& c, const Json& key) {
             names.emplace_back(fmt::format("lId{}", i + 1), 32);
         if (c.session_keyed()) names.emplace_back("bySessionId", 8);
     }
-    for (const auto& [name, value] : key.items())
+    for (const auto& member : key.items()) {
+        const std::string& name = member.key();
         if (std::none_of(names.begin(), names.end(), [&](const auto& n) { return n.first == name; }))
             bad(fmt::format("unknown key member \"{}\" for class {}", name, c.id));
-    std::vector<std::uint8_t> bytes(c.key);
+    }
+    std::vector<std::uint8_t> key_bytes(c.key);
     std::size_t at = 0;
     for (const auto& [name, bits] : names) {
         if (!key.contains(name)) bad(fmt::format("the key lacks \"{}\"", name));
         const std::uint32_t v = number(key.at(name), name, bits);
         if (bits == 16)
-            store_le16(bytes.data() + at, static_cast<std::uint16_t>(v));
+            store_le16(key_bytes.data() + at, static_cast<std::uint16_t>(v));
         else if (bits == 32)
-            store_le32(bytes.data() + at, v);
+            store_le32(key_bytes.data() + at, v);
         else
-            bytes[at] = static_cast<std::uint8_t>(v);
+            key_bytes[at] = static_cast<std::uint8_t>(v);
         at += bits / 8;
     }
-    return bytes;
+    return key_bytes;
 }
 
 std::vector<std::uint8_t> record_from_json(const ClassDef& c, const Json& record) {
     if (!record.is_object()) bad(fmt::format("\"record\" must be an object, not {}", record.dump()));
-    std::vector<std::uint8_t> bytes(c.record);
+    std::vector<std::uint8_t> record_bytes(c.record);
     std::vector<bool> given(c.record, false);
     auto cover = [&](std::string_view name, std::uint32_t offset, std::size_t width) {
         if (offset + width > c.record)
@@ -219,25 +221,27 @@ std::vector<std::uint8_t> record_from_json(const ClassDef& c, const Json& record
         }
     };
     const auto fields = record_fields(c.id);
-    for (const auto& [name, value] : record.items()) {
+    for (const auto& member : record.items()) {
+        const std::string& name = member.key();
+        const Json& value_given = member.value();
         const auto f = std::find_if(fields.begin(), fields.end(), [&](const FieldDef& d) { return d.name == name; });
         if (f != fields.end()) {
             cover(name, f->offset, f->width);
             std::optional<std::vector<std::uint8_t>> raw;
             switch (f->kind) {
                 case Kind::Text:
-                    raw = parse_exact_text(text_of(value, name));
+                    raw = parse_exact_text(text_of(value_given, name));
                     if (!raw) bad(fmt::format("\"{}\" holds a character above U+00FF", name));
                     if (raw->size() > f->width)
                         bad(fmt::format("\"{}\" has {} characters, its field {}", name, raw->size(), f->width));
-                    std::copy(raw->begin(), raw->end(), bytes.begin() + f->offset);
+                    std::copy(raw->begin(), raw->end(), record_bytes.begin() + f->offset);
                     break;
                 case Kind::Mac:
-                    raw = parse_mac(text_of(value, name));
+                    raw = parse_mac(text_of(value_given, name));
                     if (!raw) bad(fmt::format("\"{}\" must be six hex bytes such as 02:54:41:52:57:03", name));
-                    std::copy(raw->begin(), raw->end(), bytes.begin() + f->offset);
+                    std::copy(raw->begin(), raw->end(), record_bytes.begin() + f->offset);
                     break;
-                default: put(bytes, *f, number(value, name, 8 * f->width)); break;
+                default: put(record_bytes, *f, number(value_given, name, 8 * f->width)); break;
             }
             continue;
         }
@@ -247,15 +251,15 @@ std::vector<std::uint8_t> record_from_json(const ClassDef& c, const Json& record
         if (name.rfind("opaque", 0) != 0 || digits.empty() || error != std::errc{} ||
             end != digits.data() + digits.size())
             bad(fmt::format("unknown record member \"{}\" for class {}", name, c.id));
-        const auto raw = parse_hex(text_of(value, name));
+        const auto raw = parse_hex(text_of(value_given, name));
         if (!raw || raw->empty()) bad(fmt::format("\"{}\" must be an even number of hex digits", name));
         cover(name, offset, raw->size());
-        std::copy(raw->begin(), raw->end(), bytes.begin() + offset);
+        std::copy(raw->begin(), raw->end(), record_bytes.begin() + offset);
     }
     const auto missing = std::find(given.begin(), given.end(), false);
     if (missing != given.end())
         bad(fmt::format("the record does not give byte {} (of {})", missing - given.begin(), c.record));
-    return bytes;
+    return record_bytes;
 }
 
 }  // namespace tarvctl

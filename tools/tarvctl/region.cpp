@@ -29,7 +29,7 @@ constexpr char kPrefixRule[] = "at most 64 of A-Z a-z 0-9 . _ -";
 // Checks that `path` is a readable file of exactly one region.
 void check_region_file(const std::string& path) {
     struct stat st {};
-    if (stat(path.c_str(), &st) != 0) io_failure(fmt::format("cannot read '{}': {}", path, std::strerror(errno)));
+    if (stat(path.c_str(), &st) != 0) io_failure(fmt::format("cannot read '{}': {}", path, error_text(errno)));
     if (!S_ISREG(st.st_mode)) io_failure(fmt::format("'{}' is not a regular file", path));
     if (st.st_size != kDataRegionSize)
         io_failure(fmt::format("'{}' has {} bytes, but a saved region has exactly {}", path,
@@ -44,7 +44,9 @@ void select_prefix(const Options& options) {
             throw Failure(kExitUsage, fmt::format("invalid --prefix '{}': {}", options.prefix, kPrefixRule));
         return;
     }
-    if (const char* env = std::getenv("TARV_SHM_PREFIX"); env != nullptr && TarvHost_SetShmPrefix(env) != 0)
+    // Read before any thread starts; tarvctl never changes its environment.
+    if (const char* env = std::getenv("TARV_SHM_PREFIX");  // NOLINT(concurrency-mt-unsafe)
+        env != nullptr && TarvHost_SetShmPrefix(env) != 0)
         throw Failure(kExitUsage, fmt::format("invalid TARV_SHM_PREFIX '{}': {}", env, kPrefixRule));
 }
 
@@ -83,21 +85,21 @@ std::uint8_t* map_for_writing(const char* name, std::uint32_t size) {
 }
 
 DataRegion DataRegion::attach(const Options& options) {
-    std::string where;
+    std::string described;
     if (!options.region_file.empty()) {
         check_region_file(options.region_file);
         if (TarvHost_SetRegionFile(kDataRegion, options.region_file.c_str()) != 0)
             io_failure(fmt::format("cannot use '{}' as a region file: the path is too long", options.region_file));
-        where = "file " + options.region_file;
+        described = "file " + options.region_file;
     } else {
-        where = object_name(kDataRegion);
+        described = object_name(kDataRegion);
         require_region(kDataRegion);
     }
     const auto* base =
         static_cast<const std::uint8_t*>(Pcor__OpenShm(kDataRegion, kDataRegionSize, PCOR_SHM_READ_ONLY));
-    if (base == nullptr) io_failure(fmt::format("cannot map {}", where));
+    if (base == nullptr) io_failure(fmt::format("cannot map {}", described));
     Tarv__Open();
-    return DataRegion(base, where);
+    return {base, described};
 }
 
 std::vector<std::uint8_t> read_region_file(const std::string& path) {

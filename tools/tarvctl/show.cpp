@@ -264,7 +264,8 @@ std::string bits_text(std::uint16_t word) {
     return bits.empty() ? "-" : fmt::format("{}", fmt::join(bits, ", "));
 }
 
-Json bits_json(std::uint16_t word) { return Json(bits_of(word)); }
+// Not a braced return: {bits} would make an array holding the array.
+Json bits_json(std::uint16_t word) { return Json(bits_of(word)); }  // NOLINT(modernize-return-braced-init-list)
 
 std::string word_text(std::uint16_t word) { return fmt::format("{:#06x}", word); }
 

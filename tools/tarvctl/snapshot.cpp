@@ -44,7 +44,7 @@ int save(const Options& options, const std::string& path) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     if (out) out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (out) out.close();
-    if (!out) throw Failure(kExitIo, fmt::format("cannot write '{}': {}", path, std::strerror(errno)));
+    if (!out) throw Failure(kExitIo, fmt::format("cannot write '{}': {}", path, error_text(errno)));
     fmt::print("saved {} to {} ({} bytes)\n", region.where(), path, bytes.size());
     return kExitOk;
 }

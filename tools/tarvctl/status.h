@@ -3,6 +3,7 @@
 #ifndef TARVCTL_STATUS_H
 #define TARVCTL_STATUS_H
 
+#include <cstring>
 #include <stdexcept>
 #include <string>
 
@@ -26,6 +27,13 @@ public:
 private:
     int code_;
 };
+
+// The text of an errno value, as strerror gives it in the C locale; unlike
+// strerror, safe beside other threads.
+inline std::string error_text(int error) {
+    const char* text = strerrordesc_np(error);
+    return text != nullptr ? text : "Unknown error " + std::to_string(error);
+}
 
 }  // namespace tarvctl
 

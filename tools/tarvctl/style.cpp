@@ -15,9 +15,11 @@ namespace {
 
 bool g_colour[3] = {false, false, false};  // by file descriptor: -, stdout, stderr
 
+// Read before any thread starts; tarvctl never changes its environment.
 bool terminal_wants_colour(int fd) {
-    const char* term = std::getenv("TERM");
-    return isatty(fd) != 0 && std::getenv("NO_COLOR") == nullptr && term != nullptr && std::string_view(term) != "dumb";
+    const char* term = std::getenv("TERM");                      // NOLINT(concurrency-mt-unsafe)
+    const bool no_colour = std::getenv("NO_COLOR") != nullptr;   // NOLINT(concurrency-mt-unsafe)
+    return isatty(fd) != 0 && !no_colour && term != nullptr && std::string_view(term) != "dumb";
 }
 
 }  // namespace
@@ -33,7 +35,7 @@ void choose_colour(std::string_view mode) {
     }
 }
 
-std::string paint(std::FILE* stream, Tone tone, std::string_view text) {
+std::string paint(const std::FILE* stream, Tone tone, std::string_view text) {
     const int fd = stream == stdout ? 1 : stream == stderr ? 2 : 0;
     if (!g_colour[fd]) return std::string(text);
     switch (tone) {

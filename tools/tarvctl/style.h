@@ -19,7 +19,7 @@ enum class Tone { Heading, Good, Bad, Note };
 void choose_colour(std::string_view mode);
 
 // `text` in the tone's colour when `stream` has colour, else unchanged.
-[[nodiscard]] std::string paint(std::FILE* stream, Tone tone, std::string_view text);
+[[nodiscard]] std::string paint(const std::FILE* stream, Tone tone, std::string_view text);
 
 // A text table: a heading row and rows of cells, printed left-aligned in
 // columns two spaces apart, without trailing blanks.

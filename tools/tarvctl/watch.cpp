@@ -41,9 +41,9 @@ void catch_stop_signals() {
 // Sleeps `ms` milliseconds; false when a stop signal came first.
 bool sleep_ms(std::uint32_t ms) {
     timespec left{static_cast<time_t>(ms / 1000), static_cast<long>(ms % 1000) * 1000000L};
-    while (!g_stop && nanosleep(&left, &left) != 0 && errno == EINTR) {
+    while (g_stop == 0 && nanosleep(&left, &left) != 0 && errno == EINTR) {
     }
-    return !g_stop;
+    return g_stop == 0;
 }
 
 // The controller may rewrite a class while it is read: a list counts once
@@ -115,7 +115,7 @@ private:
         Tarv__GetAlarms(meps.data());
         std::array<std::uint8_t, TARV_PM_ALARM_BLOCK_SIZE> block{};
         Tarv__GetPMAlarms(block.data());
-        for (std::uint32_t slot = 0; slot < TARV_PM_SLOTS; ++slot) pm[slot] = le16(block.data() + 2 * slot);
+        for (std::uint32_t slot = 0; slot < TARV_PM_SLOTS; ++slot) pm[slot] = le16(block.data() + static_cast<std::size_t>(slot) * 2);
     }
 
     static void report(const std::string& name, std::uint16_t before, std::uint16_t now,
@@ -134,8 +134,8 @@ private:
     static std::string pm_name(std::uint32_t slot) {
         TARV_PM_KEY key{};
         Tarv__GetPMAlarmMoid(slot, &key);
-        const Bytes bytes(reinterpret_cast<const std::uint8_t*>(&key), TARV_PM_KEY_SIZE);
-        return all_zero(bytes) ? fmt::format("PM slot {}", slot) : label(class_of(cls::kPmSession), bytes);
+        const Bytes key_bytes(reinterpret_cast<const std::uint8_t*>(&key), TARV_PM_KEY_SIZE);
+        return all_zero(key_bytes) ? fmt::format("PM slot {}", slot) : label(class_of(cls::kPmSession), key_bytes);
     }
 
     Words meps_{};
@@ -154,13 +154,13 @@ int watch(const Options& options, std::uint32_t interval_ms, std::uint32_t count
     auto alarms = std::make_shared<AlarmWatch>();
     watches.emplace_back([alarms](std::vector<std::string>& changes) { alarms->poll(changes); });
     fmt::print("watching {} every {} ms: {}\n", region.where(), interval_ms, summary(Configuration::read()));
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
     for (std::uint32_t polls = 1; count == 0 || polls < count; ++polls) {
         if (!sleep_ms(interval_ms)) break;
         std::vector<std::string> changes;
         for (const auto& w : watches) w(changes);
         for (const std::string& line : changes) fmt::print("{}\n", line);
-        std::fflush(stdout);
+        (void)std::fflush(stdout);
     }
     return kExitOk;
 }
