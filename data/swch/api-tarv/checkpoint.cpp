@@ -45,7 +45,10 @@ extern "C" TARV_API void Tarv__GetChkpData(uint32_t eSectionId, uint16_t* pwValu
         TARV_WARNING(kFunction, trace::kNullData, "Illegal pData.\n");
         return;
     }
-    *pwValue = kSectionValue;  // also when the length is then refused
+    // Also when the length is then refused. Stored as bytes: the value may sit
+    // at any alignment inside a caller's packed structure.
+    const std::uint16_t value = kSectionValue;
+    std::memcpy(pwValue, &value, sizeof value);
     if (as_count(lLengthInByte) < kChkpDataSize) {
         TARV_WARNING(kFunction, trace::kNotFound, "lLengthInByte %ld too small, need %d\n",
                      static_cast<long>(lLengthInByte), static_cast<int>(kChkpDataSize));
