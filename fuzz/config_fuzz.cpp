@@ -228,7 +228,7 @@ void set_config(std::uint8_t* region, Input& in) {
     std::vector<std::uint8_t> list(records * c->transfer_size() + (terminated ? k : 0), 0);
     for (std::size_t n = 0; n < records; ++n) {
         std::uint8_t* key = list.data() + n * c->transfer_size();
-        const std::uint8_t how = auto_keys ? 1 : in.u8() % 3u;
+        const auto how = static_cast<std::uint8_t>(auto_keys ? 1u : in.u8() % 3u);
         if (how == 0) {
             in.bytes(key, k);
         } else if (how == 2) {

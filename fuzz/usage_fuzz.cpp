@@ -236,7 +236,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::fill_region(region, kTables, in);
     fuzz::set_platform(in);
     for (int ops = 0; ops < 64 && !in.empty(); ++ops) {
-        const std::uint8_t op = in.u8() % kOperations;
+        const auto op = static_cast<std::uint8_t>(in.u8() % kOperations);
         switch (op) {
             case 0: case 1: case 2: presence(region, op, in); break;
             case 3: mep_on_port(region, in); break;

@@ -274,11 +274,10 @@ void set_chkp(Scratch& s, const Operation& op) {
 }
 
 void find_down_mep(Scratch& s, const Operation& op) {
-    std::uint8_t* out = s.out(4 + TARV_MOID_SIZE + TARV_MEP_RECORD_SIZE);
-    auto* index = reinterpret_cast<std::int32_t*>(out);
-    *index = static_cast<std::int32_t>(op.a);
-    s.result(Tarv__FindDownMepFromSomeWhereOnCVlanPort(1, 5, static_cast<std::int32_t>(op.b), index,
-                                                       reinterpret_cast<TARV_MOID*>(out + 4), out + 4 + TARV_MOID_SIZE));
+    std::uint8_t* out = s.out(TARV_MOID_SIZE + TARV_MEP_RECORD_SIZE);
+    auto index = static_cast<std::int32_t>(op.a);  // an int32_t of the caller's, aligned as such
+    s.result(Tarv__FindDownMepFromSomeWhereOnCVlanPort(1, 5, static_cast<std::int32_t>(op.b), &index,
+                                                       reinterpret_cast<TARV_MOID*>(out), out + TARV_MOID_SIZE));
 }
 
 void mip_on_cvlan(Scratch& s, const Operation& op) {
