@@ -143,7 +143,8 @@ TEST_F(ShmTest, RefusedRequestsGiveNullAndCreateNothing) {
         {"valid", 64, kRw, 1}, {"/", 64, kRw, 1}, {"/a/b", 64, kRw, 1}, {too_long.c_str(), 64, kRw, 1},
         {"/valid", 64, 2, 1}, {"/valid", 64, -1, 1}, {"/valid", 0, kRw, 1}};
     for (const auto& [name, size, flag, count] : rows) {
-        const std::string err = stderr_of([&] { EXPECT_EQ(Pcor__OpenShm(name, size, flag), nullptr); });
+        const std::string err = stderr_of(
+            [name = name, size = size, flag = flag] { EXPECT_EQ(Pcor__OpenShm(name, size, flag), nullptr); });
         EXPECT_EQ(lines(err), count) << (name ? name : "null") << " " << size << " " << flag << ": " << err;
     }
     EXPECT_EQ(stat_of("/absent").first, -1);
@@ -258,7 +259,7 @@ TEST_F(TraceTest, LinesFollowTheirObjectsLevelWordAndCarryTheStatement) {
     for (const auto& [debug_word, module_word, level, printed] : rows) {
         TarvHost_SetDebugLevel(debug_word);
         TarvHost_SetModuleLevel(module_word);
-        EXPECT_EQ(lines(stderr_of([&] { trace(level, 1, "text"); })), printed)
+        EXPECT_EQ(lines(stderr_of([&, level = level] { trace(level, 1, "text"); })), printed)
             << debug_word << "/" << module_word << " L" << level;
     }
     TarvHost_SetDebugLevel(7);

@@ -231,7 +231,9 @@ TEST_F(SetConfigTest, MacAddressComesFromTheChassisOrThePort) {
             fake().port_macs = {{{3, 1}, port31}, {{1, 4}, port14}};
             fake().has_base_mac = base.has_value();
             fake().base_mac = base.value_or(Mac{});
-            const std::uint8_t* record = write_one(id, [&](std::uint8_t* r) { r[place] = slot, r[place + 1] = port; });
+            const std::uint8_t* record = write_one(id, [&, slot = slot, port = port](std::uint8_t* r) {
+                r[place] = slot, r[place + 1] = port;
+            });
             EXPECT_EQ(Bytes(record + mac, record + mac + 6), Bytes(want.begin(), want.end()))
                 << id << " slot " << int{slot} << " port " << int{port};
             EXPECT_EQ(fake().port_mac_requests, asked);
@@ -252,7 +254,7 @@ TEST_F(SetConfigTest, ThroughputValueFollowsTheRate) {
         {0x80000000u, 65535, 65535, 3}, {kOne, 46340, 46340, 0x5020}, {kOne, 46341, 46341, 0xFFFF}, {0, 0, 7, 1},
         {0, 1, 1, 0xFFFF}};
     for (const auto& [a, b, c, d] : rows) {
-        const std::uint8_t* record = write_one(638, [&](std::uint8_t* r) {
+        const std::uint8_t* record = write_one(638, [a = a, b = b, c = c](std::uint8_t* r) {
             store_le(r + 23, a), store_le(r + 27, b), store_le(r + 29, c);
         });
         EXPECT_EQ(load_le<std::uint16_t>(record + 31), d) << a << " " << b;

@@ -79,8 +79,6 @@ TEST_P(ListReaderTest, WalksToTheLastSlotAndReadsWithOrWithoutTheHint) {
 INSTANTIATE_TEST_SUITE_P(Lists, ListReaderTest, ::testing::Values(kBwn, kThroughput),
                          [](const auto& p) { return std::string(p.param.name); });
 
-constexpr std::uint32_t kEnableStatus = 9;  // 32 bits at this record offset
-
 // The first record with status 2 ends the walk, one read (one trace) per
 // record before it. A key that changes before its read reads nothing (a
 // second trace): not enabled.

@@ -462,7 +462,11 @@ inline constexpr int kMaxFastDecimals = 22;  // 10^22 is the largest exact power
         // The sign goes on before the one rounding step, so that a rounding
         // mode toward an infinity rounds a negative value as the C library
         // does; the mantissa and the power of ten are exact.
-        double v = static_cast<double>(digits);
+        // From a signed integer: the mantissa is below 2^53 and the signed
+        // conversion is one exact instruction, where some compilers convert
+        // an unsigned 64-bit value by a subtraction that gives -0 for zero
+        // when the mode rounds downward.
+        double v = static_cast<double>(static_cast<std::int64_t>(digits));
         if (negative) v = -v;
         if (decimals != 0) v /= kPow10[decimals];
         value = v;
