@@ -57,8 +57,6 @@ inline constexpr Field kLm[] = {
     {R, 65, 114},  {R, 73, 147},  {R, 81, 180},  {R, 89, 213},  {W, 97, 246},  {W, 101, 250}, {W, 105, 254},
     {W, 109, 258}, {W, 113, 262}, {W, 117, 266}, {W, 121, 270}, {W, 125, 274}, {B, 129, 278},
 };
-static_assert(sizeof(DMRecordMS) == 213 && sizeof(DMRecordIM) == 625);
-static_assert(sizeof(LMRecordMS) == 130 && sizeof(LMRecordIM) == 279);
 }  // namespace layout
 
 // One record kind: its layout, the unit of its Real texts and its two

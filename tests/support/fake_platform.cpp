@@ -63,19 +63,6 @@ void FakePlatform::reset() {
     g_pending = Pending{};
 }
 
-std::vector<TraceRecord> FakePlatform::of_kind(TraceKind kind) const {
-    std::vector<TraceRecord> out;
-    for (const auto& t : traces)
-        if (t.kind == kind) out.push_back(t);
-    return out;
-}
-
-std::size_t FakePlatform::count_text(const std::string& text) const {
-    std::size_t n = 0;
-    for (const auto& t : traces) n += t.text == text ? 1u : 0u;
-    return n;
-}
-
 }  // namespace tarv::testing
 
 using tarv::testing::fake;

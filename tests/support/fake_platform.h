@@ -91,10 +91,6 @@ struct FakePlatform {
 
     // Back to the state of a fresh process: no traces, levels 0, no regions.
     void reset();
-
-    // Traces of one kind, or whose text equals `text`.
-    [[nodiscard]] std::vector<TraceRecord> of_kind(TraceKind kind) const;
-    [[nodiscard]] std::size_t count_text(const std::string& text) const;
 };
 
 // The one fake of this test process.

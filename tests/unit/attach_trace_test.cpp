@@ -2,6 +2,7 @@
 // convention.
 #include <tuple>
 
+#include "points.h"
 #include "region_fixture.h"
 #include "trace.h"
 
@@ -57,45 +58,67 @@ TEST_F(AttachTest, StorOpenRemapsReadWriteAndDetachesWhenItFails) {
     EXPECT_EQ(traced(true), (Lines{"1/0 Tarv__StorOpen: Null", "1/0 Tarv__StorOpen: Failed"}));
 }
 
-// Every query answers "nothing found" with one code 12 trace, writes nothing
-// but an empty list's terminator and all-zero alarm words, and asks the
-// platform nothing.
+// Every query answers "nothing found" with one code 12 trace of its own
+// name, writes nothing but an empty list's terminator and all-zero alarm
+// words, and asks the platform nothing. Tarv__CheckTagging of VLAN 0 or of a
+// mode other than 0 does not read the region, so it does not trace.
 TEST_F(AttachTest, QueriesBeforeAttachAnswerWithoutTouchingMemory) {
     fake().set_module_level(1);
     const auto out = guarded(96);
     std::uint8_t* b = out->data();
+    auto* m = reinterpret_cast<TARV_MOID*>(b);
     std::uint16_t index = 77;
+    std::int32_t mep_index = 0;
+    std::uint32_t period = 0xDEADBEEF;
     std::vector<std::uint16_t> words(32, 0xEEEE);
     const TARV_MOID moid = make_moid(532, 1, 1, 1);
-
-    EXPECT_EQ(Tarv__MEPMoidIterator(nullptr), nullptr);
-    Tarv__ReadMEP(moid, b);
-    EXPECT_EQ(Tarv__GetMepIndexFromOldMoid(moid, &index), -1);
-    EXPECT_EQ(Tarv__GetConfig(519, b, 0), 0);
-    EXPECT_EQ(Tarv__BandwidthNotificationMoidIterator(nullptr), nullptr);
-    Tarv__ReadBandwidthNotification(moid, b);
-    EXPECT_EQ(Tarv__ThroughputListMoidIterator(nullptr), nullptr);
-    Tarv__ReadThroughputEntry(TARV_THROUGHPUT_KEY{638, 1, 1, 1, 1}, b);
-    EXPECT_EQ(Tarv_GetEnableStatusofThroughput(), 0u);
-    Tarv__GetAlarms(words.data());
-    Tarv__GetDetailsForAlarm(0, reinterpret_cast<TARV_MOID*>(b), reinterpret_cast<char*>(b + 14));
-    Tarv__GetPMAlarms(b);
-    Tarv__GetMEPHWAlarms(b);
-    Tarv__GetPMAlarmMoid(1, reinterpret_cast<TARV_PM_KEY*>(b));
-    Tarv__GetPMSessionMoid(1, reinterpret_cast<TARV_PM_KEY*>(b));
-    Tarv__GetPMSessionOldMoid(1, reinterpret_cast<TARV_PM_KEY*>(b));
-    EXPECT_EQ(Tarv__GetMepInfoAbout1731Alarm(TARV_PM_KEY{moid, 1}, reinterpret_cast<char*>(b)), 0u);
-    EXPECT_EQ(Tarv__GetConfig(531, b + 90, 3), 0);
-
-    Bytes want(96, 0xEE);
-    std::fill_n(want.begin() + 90, 6, 0);  // an empty MD list
-    EXPECT_EQ(contents(*out), want);
-    EXPECT_EQ(index, 77);
+    // The function, its answer, the answer expected. Evaluated in order.
+    const std::tuple<std::string, std::int64_t, std::int64_t> calls[] = {
+        {"Tarv__MEPMoidIterator", Tarv__MEPMoidIterator(nullptr) != nullptr, 0},
+        {"Tarv__ReadMEP", (Tarv__ReadMEP(moid, b), 0), 0},
+        {"Tarv__GetMepIndexFromOldMoid", Tarv__GetMepIndexFromOldMoid(moid, &index), -1},
+        {"Tarv__GetConfig", Tarv__GetConfig(519, b, 0), 0},
+        {"Tarv__BandwidthNotificationMoidIterator", Tarv__BandwidthNotificationMoidIterator(nullptr) != nullptr, 0},
+        {"Tarv__ReadBandwidthNotification", (Tarv__ReadBandwidthNotification(moid, b), 0), 0},
+        {"Tarv__ThroughputListMoidIterator", Tarv__ThroughputListMoidIterator(nullptr) != nullptr, 0},
+        {"Tarv__ReadThroughputEntry", (Tarv__ReadThroughputEntry(TARV_THROUGHPUT_KEY{638, 1, 1, 1, 1}, b), 0), 0},
+        {"Tarv_GetEnableStatusofThroughput", Tarv_GetEnableStatusofThroughput(), 0},
+        {"Tarv__GetAlarms", (Tarv__GetAlarms(words.data()), 0), 0},
+        {"Tarv__GetDetailsForAlarm", (Tarv__GetDetailsForAlarm(0, m, reinterpret_cast<char*>(b + 14)), 0), 0},
+        {"Tarv__GetPMAlarms", (Tarv__GetPMAlarms(b), 0), 0},
+        {"Tarv__GetMEPHWAlarms", (Tarv__GetMEPHWAlarms(b), 0), 0},
+        {"Tarv__GetPMAlarmMoid", (Tarv__GetPMAlarmMoid(1, reinterpret_cast<TARV_PM_KEY*>(b)), 0), 0},
+        {"Tarv__GetPMSessionMoid", (Tarv__GetPMSessionMoid(1, reinterpret_cast<TARV_PM_KEY*>(b)), 0), 0},
+        {"Tarv__GetPMSessionOldMoid", (Tarv__GetPMSessionOldMoid(1, reinterpret_cast<TARV_PM_KEY*>(b)), 0), 0},
+        {"Tarv__GetMepInfoAbout1731Alarm",
+         Tarv__GetMepInfoAbout1731Alarm(TARV_PM_KEY{moid, 1}, reinterpret_cast<char*>(b)), 0},
+        {"Tarv__GetConfig", Tarv__GetConfig(531, b + 90, 3), 0},
+        {"Tarv__IsOamEnabledOnPortOpt", Tarv__IsOamEnabledOnPortOpt(1, 4), 0},
+        {"Tarv__IsOamEnabledForMepOnPort", Tarv__IsOamEnabledForMepOnPort(1, 4, make_moid(0, 0, 0, 0)), 0},
+        {"Tarv__IsEndpointSTagged", Tarv__IsEndpointSTagged(make_moid(0, 0, 0, 0)), 0},
+        {"Tarv__IsOamEnabledOnCVlanPort", Tarv__IsOamEnabledOnCVlanPort(1, 4, 0), 0},
+        {"Tarv__IsOamEnabledOnVfi", Tarv__IsOamEnabledOnVfi(0), 0},
+        {"Tarv__CheckTagging", Tarv__CheckTagging(1, 4, 1, 0), 0},
+        {"", Tarv__CheckTagging(1, 4, 0, 0) + Tarv__CheckTagging(1, 4, 1, 1), 0},
+        {"Tarv__FindAllMipOnPort", Tarv__FindAllMipOnPort(1, 4, 0, 4095, 0, 0), 1},
+        {"Tarv__FindDownMepFromSomeWhereOnCVlanPort",
+         Tarv__FindDownMepFromSomeWhereOnCVlanPort(0, 0, 0, &mep_index, m, b + 14), 0},
+        {"Tarv__DoesMipExistOnCVlanPort", Tarv__DoesMipExistOnCVlanPort(0, 0, 0, m, b + 14), 0},
+        {"Tarv__IsOamEnabledOnLagOpt", Tarv__IsOamEnabledOnLagOpt(0, &period), 0},
+        {"Tarv__MepResourcesAvailableOnSlot", Tarv__MepResourcesAvailableOnSlot(0, 0), 1},
+    };
+    Lines want;
+    for (const auto& [function, got, expected] : calls) {
+        EXPECT_EQ(got, expected) << function;
+        if (!function.empty()) want.push_back("1/12 " + function + ": KELM_SHARED_DATA");
+    }
+    EXPECT_EQ(traced(true), want);
+    Bytes expected(96, 0xEE);
+    std::fill_n(expected.begin() + 90, 6, 0);  // an empty MD list
+    EXPECT_EQ(contents(*out), expected);
+    EXPECT_EQ(std::tie(index, mep_index, period), std::make_tuple(77, 0, 0xDEADBEEF));
     EXPECT_EQ(words, std::vector<std::uint16_t>(32, 0));
-    EXPECT_TRUE(fake().port_type_requests.empty());
-    EXPECT_EQ(traced(), Lines(18, "1/12 KELM_SHARED_DATA"));
-    EXPECT_EQ(fake().traces[1].function, "Tarv__ReadMEP");
-    EXPECT_EQ(fake().traces[8].function, "Tarv_GetEnableStatusofThroughput");
+    EXPECT_TRUE(fake().port_type_requests.empty() && fake().lag_requests.empty());
 }
 
 // A statement runs when its object's level word allows it: debug from its

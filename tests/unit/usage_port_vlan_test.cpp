@@ -1,6 +1,6 @@
 // Port usage, endpoint service resolution, VLAN/VFI usage, VLAN translation
 // and C-VID registration checks, each family on a region built so that every
-// one of its rules decides some row; and every family before an attach.
+// one of its rules decides some row.
 #include "usage_fixture.h"
 
 namespace tarv::testing {
@@ -131,42 +131,6 @@ const std::vector<Call> kVlanUse = {
          "vlan: 200 is in use by a MIP(S1/P4)\n"),
 };
 INSTANTIATE_TEST_SUITE_P(Usage, VlanCalls, ::testing::ValuesIn(kVlanUse));
-
-// Before an attach: "nothing found", nothing written, and the code-12 trace
-// for the rows that list a trace.
-std::uint8_t g_out[64];
-std::int32_t g_index = 0;
-std::uint32_t g_period = 0xDEADBEEF;
-auto* const g_moid = reinterpret_cast<TARV_MOID*>(g_out);
-
-using Detached = Calls<RegionTest>;
-TEST_P(Detached, AnswersNothingFound) {
-    std::memset(g_out, 0xEE, sizeof g_out);
-    fake().set_module_level(1);
-    fake().set_debug_level(7);
-    EXPECT_EQ(GetParam().call(), GetParam().result);
-    const std::string attach = "1/12 " + std::string(GetParam().function) + ": KELM_SHARED_DATA";
-    EXPECT_EQ(traced(true), GetParam().traces.empty() ? std::vector<std::string>{} : std::vector{attach});
-    EXPECT_EQ(std::vector<std::uint8_t>(g_out, g_out + 64), std::vector<std::uint8_t>(64, 0xEE));
-    EXPECT_EQ(g_index, 0);
-    EXPECT_EQ(g_period, 0xDEADBEEF);
-}
-const std::vector<Call> kDetached = {
-    CALL(Tarv__IsOamEnabledOnPortOpt, (1, 4), 0, "attach"),
-    CALL(Tarv__IsOamEnabledForMepOnPort, (1, 4, make_moid(0, 0, 0, 0)), 0, "attach"),
-    CALL(Tarv__IsEndpointSTagged, (make_moid(0, 0, 0, 0)), 0, "attach"),
-    CALL(Tarv__IsOamEnabledOnCVlanPort, (1, 4, 0), 0, "attach"),
-    CALL(Tarv__IsOamEnabledOnVfi, (0), 0, "attach"),
-    CALL(Tarv__CheckTagging, (1, 4, 1, 0), 0, "attach"),
-    CALL(Tarv__CheckTagging, (1, 4, 0, 0), 0),  // neither VLAN 0
-    CALL(Tarv__CheckTagging, (1, 4, 1, 1), 0),  // nor a mode other than 0 reads the region
-    CALL(Tarv__FindAllMipOnPort, (1, 4, 0, 4095, 0, 0), 1, "attach"),
-    CALL(Tarv__FindDownMepFromSomeWhereOnCVlanPort, (0, 0, 0, &g_index, g_moid, g_out + 14), 0, "attach"),
-    CALL(Tarv__DoesMipExistOnCVlanPort, (0, 0, 0, g_moid, g_out + 14), 0, "attach"),
-    CALL(Tarv__IsOamEnabledOnLagOpt, (0, &g_period), 0, "attach"),
-    CALL(Tarv__MepResourcesAvailableOnSlot, (0, 0), 1, "attach"),
-};
-INSTANTIATE_TEST_SUITE_P(Usage, Detached, ::testing::ValuesIn(kDetached));
 
 }  // namespace
 }  // namespace tarv::testing
