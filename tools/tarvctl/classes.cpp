@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -45,7 +46,8 @@ constexpr Naming kNames[] = {
     {848, "bwn", "bandwidth notification", "BandwidthNotificationMoidArray", "BandwidthNotificationDataArray"},
 };
 // clang-format on
-static_assert(std::size(kNames) == tarv::kClasses.size());
+// One row for each of the library's classes, in its order.
+static_assert(std::ranges::equal(kNames, tarv::kClasses, {}, &Naming::id, &tarv::ClassInfo::id));
 
 // A class as the library stores it, named; a class without storage has no
 // tables and no bytes.
@@ -61,13 +63,6 @@ consteval std::array<ClassDef, tarv::kClasses.size()> define_all() {
     return all;
 }
 constexpr auto kClasses = define_all();
-
-consteval bool names_follow_the_library() {
-    for (std::size_t i = 0; i < kClasses.size(); ++i)
-        if (kNames[i].id != tarv::kClasses[i].id) return false;
-    return true;
-}
-static_assert(names_follow_the_library());
 
 }  // namespace
 
