@@ -44,40 +44,40 @@ struct FieldDef {
 
 // A field of the library's, under the name JSON gives it.
 template <typename V>
-consteval FieldDef named(std::string_view name, tarv::Field<V> f) {
+consteval FieldDef field_def(std::string_view name, tarv::Field<V> f) {
     return {name, f.offset, sizeof(V), sizeof(V) == 1 ? Kind::U8 : sizeof(V) == 2 ? Kind::U16 : Kind::U32, f.table};
 }
-consteval FieldDef named(std::string_view name, tarv::Bytes b, Kind kind) {
+consteval FieldDef field_def(std::string_view name, tarv::Bytes b, Kind kind) {
     return {name, b.offset, b.size, kind, b.table};
 }
 
 // The fields tarvctl reads.
 namespace field {
-inline constexpr FieldDef acMdName = named("acMdName", tarv::md::acMdName, Kind::Text);
-inline constexpr FieldDef eMdLevel = named("eMdLevel", tarv::md::eMdLevel);
-inline constexpr FieldDef acMaName = named("acMaName", tarv::manet::acMaName, Kind::Text);
-inline constexpr FieldDef dwCcmPeriod = named("dwCcmPeriod", tarv::manet::dwCcmPeriod);
-inline constexpr FieldDef eTagging = named("eTagging", tarv::macomp::eTagging);
-inline constexpr FieldDef wCompVid = named("wVid", tarv::macomp::wVid);
-inline constexpr FieldDef wMepId = named("wMepId", tarv::mep::wMepId);
-inline constexpr FieldDef eDirection = named("eDirection", tarv::mep::eDirection);
-inline constexpr FieldDef wMepVid = named("wVid", tarv::mep::wVid);
-inline constexpr FieldDef abyMepMac = named("abyMacAddress", tarv::mep::abyMacAddress, Kind::Mac);
-inline constexpr FieldDef bAlarmBit2Enabled = named("bAlarmBit2Enabled", tarv::mep::bAlarmBit2Enabled);
-inline constexpr FieldDef lStored1 = named("lStored1", tarv::mep::lStored1);
-inline constexpr FieldDef wAlarmBits = named("wAlarmBits", tarv::mep::wAlarmBits);
-inline constexpr FieldDef lStored2 = named("lStored2", tarv::mep::lStored2);
-inline constexpr FieldDef byMepSlot = named("bySlot", tarv::mep::bySlot);
-inline constexpr FieldDef byMepPort = named("byPort", tarv::mep::byPort);
-inline constexpr FieldDef abyMipMac = named("abyMacAddress", tarv::mip::abyMacAddress, Kind::Mac);
-inline constexpr FieldDef byMipSlot = named("bySlot", tarv::mip::bySlot);
-inline constexpr FieldDef byMipPort = named("byPort", tarv::mip::byPort);
-inline constexpr FieldDef eEnableStatus = named("eEnableStatus", tarv::throughput::eEnableStatus);
-inline constexpr FieldDef lOperandA = named("lOperandA", tarv::throughput::lOperandA);
-inline constexpr FieldDef wOperandB = named("wOperandB", tarv::throughput::wOperandB);
-inline constexpr FieldDef wOperandC = named("wOperandC", tarv::throughput::wOperandC);
-inline constexpr FieldDef wDerived = named("wDerived", tarv::throughput::wDerived);
-inline constexpr FieldDef acResult = named("acResult", tarv::history::acResult, Kind::Text);
+inline constexpr FieldDef acMdName = field_def("acMdName", tarv::md::acMdName, Kind::Text);
+inline constexpr FieldDef eMdLevel = field_def("eMdLevel", tarv::md::eMdLevel);
+inline constexpr FieldDef acMaName = field_def("acMaName", tarv::manet::acMaName, Kind::Text);
+inline constexpr FieldDef dwCcmPeriod = field_def("dwCcmPeriod", tarv::manet::dwCcmPeriod);
+inline constexpr FieldDef eTagging = field_def("eTagging", tarv::macomp::eTagging);
+inline constexpr FieldDef wCompVid = field_def("wVid", tarv::macomp::wVid);
+inline constexpr FieldDef wMepId = field_def("wMepId", tarv::mep::wMepId);
+inline constexpr FieldDef eDirection = field_def("eDirection", tarv::mep::eDirection);
+inline constexpr FieldDef wMepVid = field_def("wVid", tarv::mep::wVid);
+inline constexpr FieldDef abyMepMac = field_def("abyMacAddress", tarv::mep::abyMacAddress, Kind::Mac);
+inline constexpr FieldDef bAlarmBit2Enabled = field_def("bAlarmBit2Enabled", tarv::mep::bAlarmBit2Enabled);
+inline constexpr FieldDef lStored1 = field_def("lStored1", tarv::mep::lStored1);
+inline constexpr FieldDef wAlarmBits = field_def("wAlarmBits", tarv::mep::wAlarmBits);
+inline constexpr FieldDef lStored2 = field_def("lStored2", tarv::mep::lStored2);
+inline constexpr FieldDef byMepSlot = field_def("bySlot", tarv::mep::bySlot);
+inline constexpr FieldDef byMepPort = field_def("byPort", tarv::mep::byPort);
+inline constexpr FieldDef abyMipMac = field_def("abyMacAddress", tarv::mip::abyMacAddress, Kind::Mac);
+inline constexpr FieldDef byMipSlot = field_def("bySlot", tarv::mip::bySlot);
+inline constexpr FieldDef byMipPort = field_def("byPort", tarv::mip::byPort);
+inline constexpr FieldDef eEnableStatus = field_def("eEnableStatus", tarv::throughput::eEnableStatus);
+inline constexpr FieldDef lOperandA = field_def("lOperandA", tarv::throughput::lOperandA);
+inline constexpr FieldDef wOperandB = field_def("wOperandB", tarv::throughput::wOperandB);
+inline constexpr FieldDef wOperandC = field_def("wOperandC", tarv::throughput::wOperandC);
+inline constexpr FieldDef wDerived = field_def("wDerived", tarv::throughput::wDerived);
+inline constexpr FieldDef acResult = field_def("acResult", tarv::history::acResult, Kind::Text);
 }  // namespace field
 
 // Named fields of a class's record in offset order; empty for opaque ones.
