@@ -11,26 +11,18 @@
 #include <string_view>
 #include <vector>
 
+#include "api-tarv/byteorder.h"
+
 namespace tarvctl {
 
 using Bytes = std::span<const std::uint8_t>;
 using MutableBytes = std::span<std::uint8_t>;
 
-[[nodiscard]] inline std::uint16_t le16(const std::uint8_t* p) noexcept {
-    return static_cast<std::uint16_t>(p[0] | p[1] << 8);
-}
-[[nodiscard]] inline std::uint32_t le32(const std::uint8_t* p) noexcept {
-    return static_cast<std::uint32_t>(le16(p)) | static_cast<std::uint32_t>(le16(p + 2)) << 16;
-}
-
-inline void store_le16(std::uint8_t* p, std::uint16_t v) noexcept {
-    p[0] = static_cast<std::uint8_t>(v);
-    p[1] = static_cast<std::uint8_t>(v >> 8);
-}
-inline void store_le32(std::uint8_t* p, std::uint32_t v) noexcept {
-    store_le16(p, static_cast<std::uint16_t>(v));
-    store_le16(p + 2, static_cast<std::uint16_t>(v >> 16));
-}
+// Scalars of the region and its records, as the library reads them.
+[[nodiscard]] inline std::uint16_t le16(const std::uint8_t* p) noexcept { return tarv::load_le<std::uint16_t>(p); }
+[[nodiscard]] inline std::uint32_t le32(const std::uint8_t* p) noexcept { return tarv::load_le<std::uint32_t>(p); }
+inline void store_le16(std::uint8_t* p, std::uint16_t v) noexcept { tarv::store_le(p, v); }
+inline void store_le32(std::uint8_t* p, std::uint32_t v) noexcept { tarv::store_le(p, v); }
 
 [[nodiscard]] bool all_zero(Bytes bytes) noexcept;
 

@@ -68,7 +68,7 @@ private:
     }
     // Whether the library lists the slot.
     [[nodiscard]] bool listed(const ClassDef& c, std::uint32_t slot) const {
-        if (c.session_keyed()) return slot > 0 && key(c, slot)[14] == slot;
+        if (c.session_keyed()) return slot > 0 && key(c, slot)[tarv::moid::kSessionIdOffset] == slot;
         return !all_zero(key(c, slot));
     }
     // Whether class c lists an object whose key starts with these bytes.

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -10,41 +11,58 @@
 namespace tarvctl {
 namespace {
 
-// clang-format off
-constexpr std::array<ClassDef, 21> kClasses{{
-    {519, "", "class 519 record", Rule::Singleton, 0, 14, 1, Placement::None, {"Class519Record", 0}, {"Class519Record", 0}},
-    {523, "", "class 523 record", Rule::Singleton, 0, 12, 1, Placement::None, {"Class523Record", 14}, {"Class523Record", 14}},
-    {526, "", "class 526 object", Rule::List, 18, 47, 32, Placement::LastId, {"Class526MoidArray", 38521}, {"Class526DataArray", 37017}},
-    {528, "", "class 528 object", Rule::List, 18, 93, 32, Placement::LastId, {"Class528MoidArray", 133173}, {"Class528DataArray", 130197}},
-    {531, "md", "MD", Rule::List, 6, 65, 128, Placement::LastId, {"MdMoidArray", 385525}, {"MdDataArray", 377205}},
-    {532, "mep", "MEP", Rule::List, 14, 48, 32, Placement::LastId, {"MepMoidArray", 387829}, {"MepDataArray", 386293}},
-    {571, "", "class 571 object", Rule::List, 14, 8, 32, Placement::Packed, {"Class571MoidArray", 36569}, {"Class571DataArray", 36313}},
-    {573, "macomp", "MA component", Rule::List, 14, 101, 32, Placement::LastId, {"MACompMoidArray", 140469}, {"MACompDataArray", 137237}},
-    {574, "manet", "MA", Rule::List, 10, 57, 128, Placement::LastId, {"MaNetMoidArray", 375925}, {"MaNetDataArray", 368629}},
-    {575, "mip", "MIP", Rule::List, 14, 14, 32, Placement::LastId, {"MipMoidArray", 389173}, {"MipDataArray", 388725}},
-    {576, "", "class 576 object", Rule::List, 14, 6, 128, Placement::LastId, {"Class576MoidArray", 141685}, {"Class576DataArray", 140917}},
-    {579, "", "class 579 object", Rule::List, 18, 311, 128, Placement::LastId, {"Class579MoidArray", 186101}, {"Class579DataArray", 146293}},
-    {580, "", "class 580 object", Rule::NoStorage, 0, 0, 0, Placement::None, {"", 0}, {"", 0}},
-    {581, "", "class 581 object", Rule::List, 6, 16, 4096, Placement::LastId, {"Class581MoidArray", 253941}, {"Class581DataArray", 188405}},
-    {638, "throughput", "throughput test", Rule::List, 18, 33, 32, Placement::LastId, {"ThroughputMoidArray", 390677}, {"ThroughputDataArray", 389621}},
-    {652, "history", "throughput history record", Rule::History, 4, 505, 101, Placement::Packed, {"ThroughputHistoryIdArray", 395317}, {"ThroughputHistoryDataArray", 395721}},
-    {665, "", "class 665 entry", Rule::List, 15, 54, 9, Placement::SessionId, {"Class665MoidArray", 448972}, {"Class665DataArray", 448144}},
-    {666, "", "class 666 entry", Rule::List, 15, 38, 9, Placement::SessionId, {"Class666MoidArray", 449107}, {"Class666DataArray", 448630}},
-    {673, "", "class 673 record", Rule::Singleton, 0, 5, 1, Placement::None, {"Class673Record", 446726}, {"Class673Record", 446726}},
-    {674, "pm", "PM session", Rule::List, 15, 127, 9, Placement::SessionId, {"PMSessionMoidArray", 447874}, {"PMSessionDataArray", 446731}},
-    {848, "bwn", "bandwidth notification", Rule::List, 14, 18, 32, Placement::LastId, {"BandwidthNotificationMoidArray", 450035}, {"BandwidthNotificationDataArray", 449459}},
-}};
-// clang-format on
+// What the tool adds to each of the library's classes, in the library's
+// order.
+struct Naming {
+    std::uint32_t id;
+    std::string_view name;
+    std::string_view title;
+    std::string_view keys;  // table names
+    std::string_view data;
+};
 
-consteval bool tables_inside_region() {
-    for (const ClassDef& c : kClasses) {
-        if (c.keys.base + std::uint64_t{c.slots} * (c.rule == Rule::Singleton ? c.record : c.key) > kDataRegionSize)
-            return false;
-        if (c.data.base + std::uint64_t{c.slots} * c.record > kDataRegionSize) return false;
-    }
-    return true;
+// clang-format off
+constexpr Naming kNames[] = {
+    {519, "", "class 519 record", "Class519Record", "Class519Record"},
+    {523, "", "class 523 record", "Class523Record", "Class523Record"},
+    {526, "", "class 526 object", "Class526MoidArray", "Class526DataArray"},
+    {528, "", "class 528 object", "Class528MoidArray", "Class528DataArray"},
+    {531, "md", "MD", "MdMoidArray", "MdDataArray"},
+    {532, "mep", "MEP", "MepMoidArray", "MepDataArray"},
+    {571, "", "class 571 object", "Class571MoidArray", "Class571DataArray"},
+    {573, "macomp", "MA component", "MACompMoidArray", "MACompDataArray"},
+    {574, "manet", "MA", "MaNetMoidArray", "MaNetDataArray"},
+    {575, "mip", "MIP", "MipMoidArray", "MipDataArray"},
+    {576, "", "class 576 object", "Class576MoidArray", "Class576DataArray"},
+    {579, "", "class 579 object", "Class579MoidArray", "Class579DataArray"},
+    {580, "", "class 580 object", "", ""},
+    {581, "", "class 581 object", "Class581MoidArray", "Class581DataArray"},
+    {638, "throughput", "throughput test", "ThroughputMoidArray", "ThroughputDataArray"},
+    {652, "history", "throughput history record", "ThroughputHistoryIdArray", "ThroughputHistoryDataArray"},
+    {665, "", "class 665 entry", "Class665MoidArray", "Class665DataArray"},
+    {666, "", "class 666 entry", "Class666MoidArray", "Class666DataArray"},
+    {673, "", "class 673 record", "Class673Record", "Class673Record"},
+    {674, "pm", "PM session", "PMSessionMoidArray", "PMSessionDataArray"},
+    {848, "bwn", "bandwidth notification", "BandwidthNotificationMoidArray", "BandwidthNotificationDataArray"},
+};
+// clang-format on
+// One row for each of the library's classes, in its order.
+static_assert(std::ranges::equal(kNames, tarv::kClasses, {}, &Naming::id, &tarv::ClassInfo::id));
+
+// A class as the library stores it, named; a class without storage has no
+// tables and no bytes.
+consteval ClassDef define(const tarv::ClassInfo& c, const Naming& n) {
+    if (c.rule == Rule::NoStorage) return {c.id, n.name, n.title, c.rule, 0, 0, 0, c.placement, {}, {}};
+    return {c.id, n.name, n.title, c.rule, c.key_size(), c.record_size(), c.slots(), c.placement,
+            {n.keys, tarv::info(c.keys).base}, {n.data, tarv::info(c.data).base}};
 }
-static_assert(tables_inside_region());
+
+consteval std::array<ClassDef, tarv::kClasses.size()> define_all() {
+    std::array<ClassDef, tarv::kClasses.size()> all{};
+    for (std::size_t i = 0; i < all.size(); ++i) all[i] = define(tarv::kClasses[i], kNames[i]);
+    return all;
+}
+constexpr auto kClasses = define_all();
 
 }  // namespace
 

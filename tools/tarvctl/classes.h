@@ -1,8 +1,11 @@
 // What tarvctl knows of the OAM regions: their names and sizes, and for each
 // object class served by Tarv__GetConfig its transfer record and the two
-// tables that hold it. The library answers every question about contents;
-// the table positions serve `check` and `snapshot`, which look at slots that
-// no library call reports (empty keys, keys in the wrong slot).
+// tables that hold it. Sizes, slots, positions and rules come from the
+// library's own directory and class table; the tool adds only what people
+// read: command-line names, titles and table names. The library answers every
+// question about contents; the table positions serve `check` and `snapshot`,
+// which look at slots that no library call reports (empty keys, keys in the
+// wrong slot).
 #ifndef TARVCTL_CLASSES_H
 #define TARVCTL_CLASSES_H
 
@@ -11,28 +14,20 @@
 #include <string>
 #include <string_view>
 
+#include "api-tarv/classes.h"
+#include "tarv/tarv.h"
+
 namespace tarvctl {
 
-inline constexpr char kDataRegion[] = "/kelm-data";
-inline constexpr std::uint32_t kDataRegionSize = 453075;
+inline constexpr const auto& kDataRegion = tarv::kRegionName;
+inline constexpr std::uint32_t kDataRegionSize = tarv::kRegionSize;
 inline constexpr char kChkpRegion[] = "/kelm-chkp-data";
-inline constexpr std::uint32_t kChkpRegionSize = 280;
+inline constexpr std::uint32_t kChkpRegionSize = TARV_CHKP_DATA_SIZE;
 
-// How Tarv__GetConfig transfers a class.
-enum class Rule : std::uint8_t {
-    List,       // keyed records, ended by an all-zero key
-    Singleton,  // one record, no key
-    History,    // throughput history: 4-byte ids, no terminator
-    NoStorage,  // accepted, nothing stored
-};
-
-// Where an object's slot comes from.
-enum class Placement : std::uint8_t {
-    LastId,     // instance number (low 16 bits of the last identifier) - 1
-    SessionId,  // the PM key's session byte; slot 0 is never used
-    Packed,     // stored in the order given
-    None,
-};
+// How Tarv__GetConfig transfers a class, and where an object's slot comes
+// from: the library's own rules.
+using Rule = tarv::ClassRule;
+using Placement = tarv::Placement;
 
 // One region table.
 struct TableRef {
@@ -83,24 +78,6 @@ inline constexpr std::uint32_t kBwn = 848;
 }  // namespace cls
 
 [[nodiscard]] const ClassDef& class_of(std::uint32_t id) noexcept;
-
-// Tables the controller keeps beside the classes: the library reads them
-// (alarms, old keys, PM alarm keys) and its configuration write never
-// touches them.
-struct AreaDef {
-    std::string_view name;
-    std::uint32_t base;
-    std::uint32_t entry;  // bytes per slot
-    std::uint32_t slots;
-};
-namespace area {
-inline constexpr AreaDef kMepOldMoid{"MepOldMoidArray", 388277, 14, 32};
-inline constexpr AreaDef kPmSessionOldMoid{"PMSessionOldMoidArray", 448009, 15, 9};
-inline constexpr AreaDef kPmAlarmBlock{"PMAlarmBlock", 449242, 2, 9};
-inline constexpr AreaDef kMepHwAlarmBlock{"MepHWAlarmBlock", 449260, 64, 1};
-inline constexpr AreaDef kPmAlarmMoid{"PMAlarmMoidArray", 449324, 15, 9};
-inline constexpr AreaDef kMepAlarmText{"MepAlarmTextArray", 450483, 81, 32};
-}  // namespace area
 
 }  // namespace tarvctl
 

@@ -73,7 +73,7 @@ struct DemoMa {
 constexpr DemoMa kMas[] = {
     {1, 1, "CustomerVPN-100", 4, 1, 100},
     {2, 2, "Backbone-200", 2, 2, 200},
-    {3, 3, "Metro-VFI-7", 4, kTaggingVfi, 7},
+    {3, 3, "Metro-VFI-7", 4, kVfi, 7},
 };
 
 struct DemoMep {
@@ -208,36 +208,27 @@ void write_configuration() {
     c673.write();
 }
 
-std::uint8_t* at(std::uint8_t* region, const AreaDef& a, std::uint32_t slot) {
-    return region + a.base + static_cast<std::size_t>(slot) * a.entry;
-}
-
 // The controller's part, written straight into the region.
 void write_controller_state(std::uint8_t* region) {
-    const ClassDef& mep = class_of(cls::kMep);
+    using tarv::Table;
     for (const DemoMep& m : kMeps) {
         const std::uint32_t slot = m.mep - 1;
-        std::uint8_t* record = region + mep.data.base + static_cast<std::size_t>(slot) * mep.record;
-        put(MutableBytes(record, mep.record), field::wAlarmBits, m.alarm_bits);
-        const std::vector<std::uint8_t> key = make_key(mep, {m.md, m.ma, m.mep});
-        std::memcpy(at(region, area::kMepOldMoid, slot), key.data(), key.size());
-        std::strncpy(reinterpret_cast<char*>(at(region, area::kMepAlarmText, slot)), m.alarm_text,
-                     area::kMepAlarmText.entry - 1);
+        tarv::set(tarv::entry(region, Table::MepDataArray, slot), tarv::mep::wAlarmBits, m.alarm_bits);
+        const std::vector<std::uint8_t> key = make_key(class_of(cls::kMep), {m.md, m.ma, m.mep});
+        std::memcpy(tarv::entry(region, Table::MepOldMoidArray, slot), key.data(), key.size());
+        std::strncpy(reinterpret_cast<char*>(tarv::entry(region, Table::MepAlarmTextArray, slot)), m.alarm_text,
+                     tarv::alarm_text::kMaxChars);
     }
-    const ClassDef& pm = class_of(cls::kPmSession);
     for (const DemoSession& s : kSessions) {
-        const std::vector<std::uint8_t> key = make_key(pm, {s.md, s.ma, s.mep}, s.session);
-        std::memcpy(at(region, area::kPmSessionOldMoid, s.session), key.data(), key.size());
-        std::memcpy(at(region, area::kPmAlarmMoid, s.session), key.data(), key.size());
-        store_le16(at(region, area::kPmAlarmBlock, s.session), s.alarm_word);
+        const std::vector<std::uint8_t> key = make_key(class_of(cls::kPmSession), {s.md, s.ma, s.mep}, s.session);
+        std::memcpy(tarv::entry(region, Table::PMSessionOldMoidArray, s.session), key.data(), key.size());
+        std::memcpy(tarv::entry(region, Table::PMAlarmMoidArray, s.session), key.data(), key.size());
+        store_le16(tarv::entry(region, Table::PMAlarmBlock, s.session), s.alarm_word);
     }
-    const ClassDef& throughput = class_of(cls::kThroughput);
-    for (const DemoTest& t : kTests) {
-        const std::size_t slot = t.test - 1;
+    for (const DemoTest& t : kTests)
         if (t.running)
-            put(MutableBytes(region + throughput.data.base + slot * throughput.record, throughput.record),
-                field::eEnableStatus, 2);
-    }
+            tarv::set(tarv::entry(region, Table::ThroughputDataArray, t.test - 1), tarv::throughput::eEnableStatus,
+                      std::uint32_t{2});
 }
 
 // The controller's checkpoint record: a sequence number and the number of

@@ -209,7 +209,7 @@ Alarms Alarms::read(const Configuration& c) {
         std::array<char, TARV_MEP_ALARM_INFO_SIZE> info{};
         if (!all_zero(key_bytes)) Tarv__GetMepInfoAbout1731Alarm(key, info.data());
         const auto id = ids_of(&key, 3);
-        a.pm.push_back(PmAlarm{slot, id[0], id[1], id[2], key_bytes[14], word, info.data()});
+        a.pm.push_back(PmAlarm{slot, id[0], id[1], id[2], key_bytes[tarv::moid::kSessionIdOffset], word, info.data()});
     }
     a.hw.resize(TARV_MEP_HW_ALARM_BLOCK_SIZE);
     Tarv__GetMEPHWAlarms(a.hw.data());
@@ -229,17 +229,17 @@ std::string port_text(std::uint8_t slot, std::uint8_t port) {
 
 std::string tagging_text(std::uint32_t tagging) {
     switch (tagging) {
-        case 1: return "C-VLAN";
-        case 2: return "S-VLAN";
-        case kTaggingVfi: return "VFI";
+        case kCVlan: return "C-VLAN";
+        case kSVlan: return "S-VLAN";
+        case kVfi: return "VFI";
         default: return fmt::format("tagging {}", tagging);
     }
 }
 
 std::string direction_text(std::uint32_t direction) {
     switch (direction) {
-        case 1: return "Down";
-        case 2: return "Up";
+        case tarv::mep::kDown: return "Down";
+        case tarv::mep::kUp: return "Up";
         default: return fmt::format("direction {}", direction);
     }
 }

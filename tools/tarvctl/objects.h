@@ -155,11 +155,13 @@ struct Alarms {
 [[nodiscard]] std::string direction_text(std::uint32_t direction);           // "Down", "Up"
 [[nodiscard]] std::string path_text(std::initializer_list<std::uint32_t> ids);  // "1/1/3"
 
-// Tagging of an MA component whose VID is a VFI.
-inline constexpr std::uint32_t kTaggingVfi = 5;
-
-// The LAG pseudo-slot: a point on slot 2 sits on the LAG numbered by its port.
-inline constexpr std::uint8_t kLagSlot = 2;
+// The library's values of the placement fields: taggings of an MA
+// component, and the LAG pseudo-slot (a point on it sits on the LAG its port
+// numbers).
+using tarv::macomp::kCVlan;
+using tarv::macomp::kSVlan;
+using tarv::macomp::kVfi;
+using tarv::mep::kLagSlot;
 
 }  // namespace tarvctl
 

@@ -91,7 +91,7 @@ std::string points_text(const Configuration& c, std::uint8_t slot, std::uint8_t 
     for (const Mep& m : c.meps) {
         if (m.slot != slot || m.port != port) continue;
         const auto comps = c.comps_of(m.md, m.ma);
-        const bool vfi = !comps.empty() && comps.front()->tagging == kTaggingVfi;
+        const bool vfi = !comps.empty() && comps.front()->tagging == kVfi;
         points.push_back(fmt::format("MEP {} (id {}, {}, {} {})", path_text({m.md, m.ma, m.mep}), m.id,
                                      direction_text(m.direction), vfi ? "VFI" : "VLAN", m.vid));
     }
@@ -274,7 +274,7 @@ int switch_wide(const Options& options, bool vfi, const std::string& text, bool 
         print_json({{vfi ? "vfi" : "vid", id}, {"answers", answers.json()}});
     } else {
         fmt::print("{} {}: MA components {}\n\n", what, id,
-                   vfi ? components_with(c, id, {kTaggingVfi}) : components_with(c, id, {1, 2}));
+                   vfi ? components_with(c, id, {kVfi}) : components_with(c, id, {kCVlan, kSVlan}));
         answers.print();
     }
     return used ? kExitOk : kExitFindings;

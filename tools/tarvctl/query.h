@@ -27,7 +27,9 @@ using LagMembers = std::vector<std::pair<std::uint8_t, std::uint8_t>>;
 [[nodiscard]] std::uint32_t ports_on_slot(const Mep& m, const LagMembers& members, std::uint8_t slot);
 
 // Resource units per port of a MEP whose MA has this CCM period.
-[[nodiscard]] constexpr std::uint32_t mep_weight(std::uint32_t ccm_period) { return ccm_period == 2 ? 3 : 1; }
+[[nodiscard]] constexpr std::uint32_t mep_weight(std::uint32_t ccm_period) {
+    return ccm_period == tarv::manet::kHeavyCcmPeriod ? 3 : 1;
+}
 
 }  // namespace tarvctl
 

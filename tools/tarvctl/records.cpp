@@ -16,7 +16,7 @@ using namespace field;
 // Identifiers after wClass in a key of class c (the PM keys' session byte
 // not counted).
 constexpr std::uint32_t id_count(const ClassDef& c) noexcept {
-    return ((c.session_keyed() ? 14 : c.key) - 2) / 4;
+    return ((c.session_keyed() ? tarv::moid::kSessionIdOffset : c.key) - 2) / 4;
 }
 
 constexpr std::array kMdFields{acMdName, eMdLevel};
@@ -28,19 +28,21 @@ constexpr std::array kMipFields{abyMipMac, byMipSlot, byMipPort};
 constexpr std::array kThroughputFields{eEnableStatus, lOperandA, wOperandB, wOperandC, wDerived};
 constexpr std::array kHistoryFields{acResult};
 
+// A class's fields lie in its record, in offset order, without overlap.
 template <std::size_t N>
-consteval bool in_offset_order(const std::array<FieldDef, N>& fields, std::uint32_t record) {
+consteval bool listed_in_order(const std::array<FieldDef, N>& fields, std::uint32_t class_id) {
+    const tarv::Table record = tarv::find_class(class_id)->data;
     std::uint32_t next = 0;
     for (const FieldDef& f : fields) {
-        if (f.offset < next) return false;
+        if (f.table != record || f.offset < next) return false;
         next = f.offset + f.width;
     }
-    return next <= record;
+    return true;
 }
-static_assert(in_offset_order(kMdFields, 65) && in_offset_order(kMaNetFields, 57) &&
-              in_offset_order(kMaCompFields, 101) && in_offset_order(kMepFields, 48) &&
-              in_offset_order(kMipFields, 14) && in_offset_order(kThroughputFields, 33) &&
-              in_offset_order(kHistoryFields, 505));
+static_assert(listed_in_order(kMdFields, cls::kMd) && listed_in_order(kMaNetFields, cls::kMaNet) &&
+              listed_in_order(kMaCompFields, cls::kMaComp) && listed_in_order(kMepFields, cls::kMep) &&
+              listed_in_order(kMipFields, cls::kMip) && listed_in_order(kThroughputFields, cls::kThroughput) &&
+              listed_in_order(kHistoryFields, cls::kHistory));
 
 }  // namespace
 
@@ -96,7 +98,7 @@ std::vector<std::uint8_t> make_key(const ClassDef& c, std::initializer_list<std:
         store_le32(key.data() + at, id);
         at += 4;
     }
-    if (c.session_keyed()) key[14] = session;
+    if (c.session_keyed()) key[tarv::moid::kSessionIdOffset] = session;
     return key;
 }
 
@@ -110,7 +112,7 @@ KeyIds key_ids(const ClassDef& c, Bytes key) noexcept {
     ids.cls = le16(key.data());
     ids.count = id_count(c);
     for (std::uint32_t i = 0; i < ids.count; ++i) ids.id[i] = le32(key.data() + 2 + static_cast<std::size_t>(i) * 4);
-    if (c.session_keyed()) ids.session = key[14];
+    if (c.session_keyed()) ids.session = key[tarv::moid::kSessionIdOffset];
     return ids;
 }
 

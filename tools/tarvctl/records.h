@@ -39,35 +39,45 @@ struct FieldDef {
     std::uint32_t offset;
     std::uint32_t width;
     Kind kind;
+    tarv::Table table;  // the record it lies in
 };
+
+// A field of the library's, under the name JSON gives it.
+template <typename V>
+consteval FieldDef field_def(std::string_view name, tarv::Field<V> f) {
+    return {name, f.offset, sizeof(V), sizeof(V) == 1 ? Kind::U8 : sizeof(V) == 2 ? Kind::U16 : Kind::U32, f.table};
+}
+consteval FieldDef field_def(std::string_view name, tarv::Bytes b, Kind kind) {
+    return {name, b.offset, b.size, kind, b.table};
+}
 
 // The fields tarvctl reads.
 namespace field {
-inline constexpr FieldDef acMdName{"acMdName", 4, 20, Kind::Text};
-inline constexpr FieldDef eMdLevel{"eMdLevel", 48, 4, Kind::U32};
-inline constexpr FieldDef acMaName{"acMaName", 4, 24, Kind::Text};
-inline constexpr FieldDef dwCcmPeriod{"dwCcmPeriod", 50, 4, Kind::U32};
-inline constexpr FieldDef eTagging{"eTagging", 85, 4, Kind::U32};
-inline constexpr FieldDef wCompVid{"wVid", 89, 2, Kind::U16};
-inline constexpr FieldDef wMepId{"wMepId", 0, 2, Kind::U16};
-inline constexpr FieldDef eDirection{"eDirection", 2, 4, Kind::U32};
-inline constexpr FieldDef wMepVid{"wVid", 6, 2, Kind::U16};
-inline constexpr FieldDef abyMepMac{"abyMacAddress", 10, 6, Kind::Mac};
-inline constexpr FieldDef bAlarmBit2Enabled{"bAlarmBit2Enabled", 21, 1, Kind::U8};
-inline constexpr FieldDef lStored1{"lStored1", 22, 4, Kind::U32};
-inline constexpr FieldDef wAlarmBits{"wAlarmBits", 26, 2, Kind::U16};
-inline constexpr FieldDef lStored2{"lStored2", 28, 4, Kind::U32};
-inline constexpr FieldDef byMepSlot{"bySlot", 46, 1, Kind::U8};
-inline constexpr FieldDef byMepPort{"byPort", 47, 1, Kind::U8};
-inline constexpr FieldDef abyMipMac{"abyMacAddress", 0, 6, Kind::Mac};
-inline constexpr FieldDef byMipSlot{"bySlot", 12, 1, Kind::U8};
-inline constexpr FieldDef byMipPort{"byPort", 13, 1, Kind::U8};
-inline constexpr FieldDef eEnableStatus{"eEnableStatus", 9, 4, Kind::U32};
-inline constexpr FieldDef lOperandA{"lOperandA", 23, 4, Kind::U32};
-inline constexpr FieldDef wOperandB{"wOperandB", 27, 2, Kind::U16};
-inline constexpr FieldDef wOperandC{"wOperandC", 29, 2, Kind::U16};
-inline constexpr FieldDef wDerived{"wDerived", 31, 2, Kind::U16};
-inline constexpr FieldDef acResult{"acResult", 101, 404, Kind::Text};
+inline constexpr FieldDef acMdName = field_def("acMdName", tarv::md::acMdName, Kind::Text);
+inline constexpr FieldDef eMdLevel = field_def("eMdLevel", tarv::md::eMdLevel);
+inline constexpr FieldDef acMaName = field_def("acMaName", tarv::manet::acMaName, Kind::Text);
+inline constexpr FieldDef dwCcmPeriod = field_def("dwCcmPeriod", tarv::manet::dwCcmPeriod);
+inline constexpr FieldDef eTagging = field_def("eTagging", tarv::macomp::eTagging);
+inline constexpr FieldDef wCompVid = field_def("wVid", tarv::macomp::wVid);
+inline constexpr FieldDef wMepId = field_def("wMepId", tarv::mep::wMepId);
+inline constexpr FieldDef eDirection = field_def("eDirection", tarv::mep::eDirection);
+inline constexpr FieldDef wMepVid = field_def("wVid", tarv::mep::wVid);
+inline constexpr FieldDef abyMepMac = field_def("abyMacAddress", tarv::mep::abyMacAddress, Kind::Mac);
+inline constexpr FieldDef bAlarmBit2Enabled = field_def("bAlarmBit2Enabled", tarv::mep::bAlarmBit2Enabled);
+inline constexpr FieldDef lStored1 = field_def("lStored1", tarv::mep::lStored1);
+inline constexpr FieldDef wAlarmBits = field_def("wAlarmBits", tarv::mep::wAlarmBits);
+inline constexpr FieldDef lStored2 = field_def("lStored2", tarv::mep::lStored2);
+inline constexpr FieldDef byMepSlot = field_def("bySlot", tarv::mep::bySlot);
+inline constexpr FieldDef byMepPort = field_def("byPort", tarv::mep::byPort);
+inline constexpr FieldDef abyMipMac = field_def("abyMacAddress", tarv::mip::abyMacAddress, Kind::Mac);
+inline constexpr FieldDef byMipSlot = field_def("bySlot", tarv::mip::bySlot);
+inline constexpr FieldDef byMipPort = field_def("byPort", tarv::mip::byPort);
+inline constexpr FieldDef eEnableStatus = field_def("eEnableStatus", tarv::throughput::eEnableStatus);
+inline constexpr FieldDef lOperandA = field_def("lOperandA", tarv::throughput::lOperandA);
+inline constexpr FieldDef wOperandB = field_def("wOperandB", tarv::throughput::wOperandB);
+inline constexpr FieldDef wOperandC = field_def("wOperandC", tarv::throughput::wOperandC);
+inline constexpr FieldDef wDerived = field_def("wDerived", tarv::throughput::wDerived);
+inline constexpr FieldDef acResult = field_def("acResult", tarv::history::acResult, Kind::Text);
 }  // namespace field
 
 // Named fields of a class's record in offset order; empty for opaque ones.

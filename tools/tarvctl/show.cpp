@@ -319,7 +319,7 @@ Json alarms_json(const Configuration& c) {
 // A MEP as one line of the tree: its VID is a VFI when its MA's service is.
 std::vector<std::string> tree_mep(const Configuration& c, const Mep& m) {
     const MaComp* comp = first_comp(c, m.md, m.ma);
-    const bool vfi = comp != nullptr && comp->tagging == kTaggingVfi;
+    const bool vfi = comp != nullptr && comp->tagging == kVfi;
     return {fmt::format("MEP {}", path_text({m.md, m.ma, m.mep})), fmt::format("id {}", m.id),
             port_text(m.slot, m.port), fmt::format("{} {}", vfi ? "VFI" : "VLAN", m.vid), direction_text(m.direction),
             m.mac};
