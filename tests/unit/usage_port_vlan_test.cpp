@@ -58,11 +58,12 @@ protected:
         components({{573, 1, 1, 1, 0, 0, 100, kS}, {573, 1, 1, 2, 0, 0, 200, kC}, {573, 1, 2, 3, 0, 0, 300, kVfi},
                     {0, 0, 0, 0, 0, 0, 400, kS}, {573, 1, 3, 5, 0, 0, 500, kC}, {573, 1, 3, 6, 0, 0, 500, kS}});
         // MEPs by slot: 3 has no component, 5 is stale, 9 is a Down MEP after the Up MEP of slot 4 on the
-        // same port, 11 belongs to MA 0/0.
+        // same port, 11 belongs to MA 0/0, 12 is neither Up nor Down, 13 is an Up MEP of an S-tagged MA.
         meps({{532, 1, 1, 1, 1, 4, 100}, {532, 1, 1, 2, 1, 4, 200}, {532, 1, 2, 3, 2, 24, 300},
               {532, 1, 9, 4, 1, 5, 600}, {532, 1, 3, 5, 1, 6, 500, kUp}, {0, 0, 0, 0, 1, 7, 100},
               {532, 1, 1, 7, 3, 23, 100}, {532, 1, 1, 8, 1, 8, 100, kUp}, {532, 1, 3, 9, 3, 23, 500},
-              {532, 1, 3, 10, 1, 6, 500}, {532, 1, 3, 11, 1, 11, 700, kUp}, {532, 0, 0, 12, 1, 12, 400, kUp}});
+              {532, 1, 3, 10, 1, 6, 500}, {532, 1, 3, 11, 1, 11, 700, kUp}, {532, 0, 0, 12, 1, 12, 400, kUp},
+              {532, 1, 3, 13, 1, 13, 500, 0}, {532, 1, 1, 14, 1, 14, 100, kUp}});
         mips({{575, 1, 1, 1, 1, 4}, {575, 1, 2, 2, 1, 9}, {575, 0, 0, 3, 1, 10}});
     }
 };
@@ -125,6 +126,10 @@ const std::vector<Call> kVlanUse = {
     CALL(Tarv__IsCVidRegistrationsUsedByOam, (1, 12, 9, 400, 7, 8, 1), 1, "vlan: 400 is in use by a Up MEP(S1/P12)\n"),
     CALL(Tarv__IsCVidRegistrationsUsedByOam, (1, 7, 100, 0, 7, 8, 0), 0, no_parent("Tarv__IsEndpointCTagged"),
          mip_c("Svlan 100 is not in use by OAM on S/P 1/7")),
+    CALL(Tarv__IsCVidRegistrationsUsedByOam, (1, 13, 500, 0, 7, 8, 0), 0,
+         mip_c("Svlan 500 is not in use by OAM on S/P 1/13")),
+    CALL(Tarv__IsCVidRegistrationsUsedByOam, (1, 14, 100, 0, 7, 8, 0), 0,
+         mip_c("Svlan 100 is not in use by OAM on S/P 1/14")),
     CALL(Tarv__IsCVidRegistrationsUsedByOam, (1, 4, 100, 0, 7, 8, 0), 0,
          mip_c("Svlan 100 is not in use by OAM on S/P 1/4")),
     CALL(Tarv__IsCVidRegistrationsUsedByOam, (1, 4, 200, 0, 7, 8, 0), 1, mip_c("Svlan 200 is in use by OAM on S/P 1/4"),
