@@ -22,6 +22,7 @@ protected:
               {0, 0, 0, 0, 1, 4, 10}, {532, 1, 1, 9, 1, 4, 10, 0}});
         // MIPs: of MA 1/3 on 1/9; on 1/10 a stale one of MA 0/0, then a live one; of MA 1/4 on 1/11.
         mips({{575, 1, 3, 1, 1, 9}, {0, 0, 0, 0, 1, 10}, {575, 1, 1, 2, 1, 10}, {575, 1, 4, 3, 1, 11}});
+        mips({{575, 1, 1, 32, 1, 12}}, 31);  // of MA 1/1 on 1/12, in the last slot
     }
 };
 using RangeFinders = Calls<Finders>;
@@ -38,12 +39,14 @@ const std::vector<Call> kRanges = {
     CALL(Tarv__FindMepOnPort, (1, 7, 50, 50), 0, kNoVfiParent, "vlan: 50 is in use by a MEP"),
     CALL(Tarv__FindMepOnPort, (1, 8, 0, 4094), 1),
     CALL(Tarv__FindAllMepOnPort, (1, 4, 1, 100, 10, 50), 1),
+    CALL(Tarv__FindAllMepOnPort, (1, 4, 1, 100, 1, 10), 1),
     CALL(Tarv__FindAllMepOnPort, (1, 4, 1, 100, 11, 50), 0, "vlan(with mep): 10 is not in the new vlan span"),
     CALL(Tarv__FindAllMepOnPort, (1, 4, 1, 100, 1, 9), 0, "vlan(with mep): 10 is not in the new vlan span"),
     CALL(Tarv__FindAllMepOnPort, (1, 4, 11, 100, 50, 60), 1),
     CALL(Tarv__FindMipOnPort, (1, 9, 25, 35), 0, "vlan: 31 is in use by a MIP"),
     CALL(Tarv__FindMipOnPort, (1, 9, 25, 30), 1),
     CALL(Tarv__FindMipOnPort, (1, 11, 0, 10), 1),
+    CALL(Tarv__FindMipOnPort, (1, 12, 10, 10), 0, "vlan: 10 is in use by a MIP"),
     CALL(Tarv__FindAllMipOnPort, (1, 9, 25, 35, 31, 40), 1),
     CALL(Tarv__FindAllMipOnPort, (1, 9, 25, 35, 32, 40), 0, "vlan: 31 is in use by a MIP"),
 };
