@@ -4,6 +4,8 @@
 #ifndef TARV_TESTS_ISOLATION_H
 #define TARV_TESTS_ISOLATION_H
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -31,6 +33,17 @@ inline void attach_populated() {
     populate_region(pSharedData);
     fake().keep_traces = false;
 }
+
+// Both checks run on the populated region, detached again afterwards.
+class IsolationTest : public ::testing::Test {
+protected:
+    void SetUp() override { attach_populated(); }
+    void TearDown() override {
+        pSharedData = nullptr;
+        pStorData = nullptr;
+        fake().reset();
+    }
+};
 
 // How the platform's trace objects stand while the rows run: every trace
 // statement runs, none does, or the platform has no object for module 142.

@@ -14,15 +14,7 @@
 namespace tarv::testing {
 namespace {
 
-class NoAllocationTest : public ::testing::Test {
-protected:
-    void SetUp() override { attach_populated(); }
-    void TearDown() override {
-        pSharedData = nullptr;
-        pStorData = nullptr;
-        fake().reset();
-    }
-};
+using NoAllocationTest = IsolationTest;
 
 TEST_F(NoAllocationTest, EveryOperationLeavesTheHeapAlone) {
     Scratch scratch;

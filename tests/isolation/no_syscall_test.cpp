@@ -120,15 +120,7 @@ constexpr bool kEmulated = true;
 constexpr bool kEmulated = false;
 #endif
 
-class NoSystemCallTest : public ::testing::Test {
-protected:
-    void SetUp() override { attach_populated(); }
-    void TearDown() override {
-        pSharedData = nullptr;
-        pStorData = nullptr;
-        fake().reset();
-    }
-};
+using NoSystemCallTest = IsolationTest;
 
 TEST_F(NoSystemCallTest, EveryOperationRunsWithTheKernelForbidden) {
     const std::vector<Step> steps = every_step(operations());
