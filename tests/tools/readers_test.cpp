@@ -15,16 +15,17 @@
 #include <vector>
 
 #include "tarvctl/args.h"
-#include "tarvctl/bytes.h"
+#include "common/bytes.h"
 #include "tarvctl/query.h"
-#include "tarvctl/records.h"
+#include "common/records.h"
 #include "tarvctl/show.h"
-#include "tarvctl/status.h"
+#include "common/status.h"
 #include "tarvctl/transfer.h"
 
 namespace {
 
 using namespace tarvctl;
+using namespace tarvtool;
 using ByteList = std::vector<std::uint8_t>;
 
 // The usage error `run` throws, or "" when it returns.

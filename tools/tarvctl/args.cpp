@@ -5,9 +5,10 @@
 #include <charconv>
 #include <optional>
 
-#include "status.h"
+#include "common/status.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 constexpr std::uint32_t kMaxId = 65535;

@@ -13,11 +13,12 @@
 #include <unordered_map>
 
 #include "commands.h"
-#include "records.h"
-#include "status.h"
+#include "common/records.h"
+#include "common/status.h"
 #include "style.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 struct Finding {

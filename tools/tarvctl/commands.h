@@ -9,9 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "region.h"
+#include "common/region_access.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 
 // What runs each subcommand; the result is the exit status.
 class Commands {

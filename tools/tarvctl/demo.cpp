@@ -14,13 +14,14 @@
 #include <memory>
 
 #include "commands.h"
-#include "objects.h"
-#include "records.h"
+#include "common/objects.h"
+#include "common/records.h"
 #include "show.h"
-#include "status.h"
+#include "common/status.h"
 #include "tarv/tarv.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 // One class's transfer list, built record by record and written whole.

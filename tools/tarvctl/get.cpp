@@ -8,13 +8,14 @@
 #include <memory>
 
 #include "commands.h"
-#include "objects.h"
-#include "records.h"
-#include "status.h"
+#include "common/objects.h"
+#include "common/records.h"
+#include "common/status.h"
 #include "style.h"
 #include "transfer.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 
 void add_get(CLI::App& app, const Options& options, Commands& commands) {
     struct Args {

@@ -4,8 +4,8 @@
 #include <fmt/format.h>
 
 #include "commands.h"
-#include "region.h"
-#include "status.h"
+#include "common/region_access.h"
+#include "common/status.h"
 #include "style.h"
 
 namespace {

@@ -15,15 +15,16 @@
 
 #include "args.h"
 #include "commands.h"
-#include "objects.h"
+#include "common/objects.h"
 #include "platform/prtm.h"
 #include "query.h"
-#include "records.h"
-#include "status.h"
+#include "common/records.h"
+#include "common/status.h"
 #include "style.h"
 #include "tarv/tarv.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 constexpr std::uint32_t kMaxVid = 4094;

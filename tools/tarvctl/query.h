@@ -9,9 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "objects.h"
+#include "common/objects.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 
 // The ids worth asking about on (slot, port): those of its MEPs, and those
 // of the components of the MAs its MEPs and MIPs belong to; never 0.

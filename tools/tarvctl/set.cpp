@@ -10,13 +10,14 @@
 #include <memory>
 
 #include "commands.h"
-#include "objects.h"
-#include "records.h"
-#include "status.h"
+#include "common/objects.h"
+#include "common/records.h"
+#include "common/status.h"
 #include "tarv/tarv.h"
 #include "transfer.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 std::string read_input(const std::string& path) {

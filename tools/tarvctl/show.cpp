@@ -8,13 +8,14 @@
 #include <string>
 
 #include "commands.h"
-#include "objects.h"
+#include "common/objects.h"
 #include "show.h"
-#include "status.h"
+#include "common/status.h"
 #include "style.h"
 #include "tarv/tarv.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 std::string count_text(std::size_t n, std::string_view one, std::string_view many) {

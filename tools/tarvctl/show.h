@@ -7,9 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "objects.h"
+#include "common/objects.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 
 // "3 MDs, 3 MAs, 5 MEPs, 2 MIPs, 1 throughput test, 2 PM sessions, 5 bandwidth notifications".
 [[nodiscard]] std::string summary(const Configuration& c);

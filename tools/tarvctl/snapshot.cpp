@@ -8,9 +8,10 @@
 #include <memory>
 
 #include "commands.h"
-#include "status.h"
+#include "common/status.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 struct RegionDef {

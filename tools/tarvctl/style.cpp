@@ -8,9 +8,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "status.h"
+#include "common/status.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 bool g_colour[3] = {false, false, false};  // by file descriptor: -, stdout, stderr

@@ -8,9 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "records.h"
+#include "common/records.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 
 enum class Tone { Heading, Good, Bad, Note };
 

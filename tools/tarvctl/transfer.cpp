@@ -5,10 +5,11 @@
 #include <iterator>
 #include <sstream>
 
-#include "records.h"
-#include "status.h"
+#include "common/records.h"
+#include "common/status.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 [[noreturn]] void bad_input(const std::string& path, const std::string& where, const std::string& what) {

@@ -12,11 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "bytes.h"
-#include "classes.h"
-#include "records.h"
+#include "common/bytes.h"
+#include "common/class_catalog.h"
+#include "common/records.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 
 struct TransferEntry {
     std::string where;  // "line 3", "record 2", for messages

@@ -16,13 +16,14 @@
 #include <vector>
 
 #include "commands.h"
-#include "objects.h"
-#include "records.h"
+#include "common/objects.h"
+#include "common/records.h"
 #include "show.h"
-#include "status.h"
+#include "common/status.h"
 #include "tarv/tarv.h"
 
 namespace tarvctl {
+using namespace tarvtool;  // the shared tool library
 namespace {
 
 volatile std::sig_atomic_t g_stop = 0;

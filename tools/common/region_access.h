@@ -1,9 +1,9 @@
-// Where tarvctl finds the OAM regions: shared memory under the host
+// Where the tools find the OAM regions: shared memory under the host
 // platform's prefix, or a saved region file (--region) that the host
 // platform maps privately, so that the library reads it as it reads shared
 // memory and nothing shared is touched.
-#ifndef TARVCTL_REGION_H
-#define TARVCTL_REGION_H
+#ifndef TARVTOOL_REGION_ACCESS_H
+#define TARVTOOL_REGION_ACCESS_H
 
 #include <cstdint>
 #include <string>
@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "bytes.h"
-#include "classes.h"
+#include "class_catalog.h"
 
-namespace tarvctl {
+namespace tarvtool {
 
 // Options every subcommand shares.
 struct Options {
@@ -68,6 +68,6 @@ private:
 // is not exactly one region long.
 [[nodiscard]] std::vector<std::uint8_t> read_region_file(const std::string& path);
 
-}  // namespace tarvctl
+}  // namespace tarvtool
 
 #endif

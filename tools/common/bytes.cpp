@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace tarvctl {
+namespace tarvtool {
 
 bool all_zero(Bytes bytes) noexcept {
     return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t b) { return b == 0; });
@@ -104,4 +104,4 @@ std::optional<std::vector<std::uint8_t>> parse_exact_text(std::string_view text)
     return out;
 }
 
-}  // namespace tarvctl
+}  // namespace tarvtool

@@ -1,7 +1,7 @@
 // Reading the packed little-endian records of the region, and the texts
-// tarvctl makes of their bytes.
-#ifndef TARVCTL_BYTES_H
-#define TARVCTL_BYTES_H
+// the tools make of their bytes.
+#ifndef TARVTOOL_BYTES_H
+#define TARVTOOL_BYTES_H
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 #include "api-tarv/byteorder.h"
 
-namespace tarvctl {
+namespace tarvtool {
 
 using Bytes = std::span<const std::uint8_t>;
 using MutableBytes = std::span<std::uint8_t>;
@@ -49,6 +49,6 @@ inline void store_le32(std::uint8_t* p, std::uint32_t v) noexcept { tarv::store_
 // U+00FF or is not UTF-8.
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> parse_exact_text(std::string_view text);
 
-}  // namespace tarvctl
+}  // namespace tarvtool
 
 #endif

@@ -9,7 +9,7 @@
 #include "records.h"
 #include "tarv/tarv.h"
 
-namespace tarvctl {
+namespace tarvtool {
 
 TransferList TransferList::read(const ClassDef& c) {
     TransferList list;
@@ -246,4 +246,4 @@ std::string direction_text(std::uint32_t direction) {
 
 std::string path_text(std::initializer_list<std::uint32_t> ids) { return fmt::format("{}", fmt::join(ids, "/")); }
 
-}  // namespace tarvctl
+}  // namespace tarvtool

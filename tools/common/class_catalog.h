@@ -1,4 +1,4 @@
-// What tarvctl knows of the OAM regions: their names and sizes, and for each
+// What the tools know of the OAM regions: their names and sizes, and for each
 // object class served by Tarv__GetConfig its transfer record and the two
 // tables that hold it. Sizes, slots, positions and rules come from the
 // library's own directory and class table; the tool adds only what people
@@ -6,8 +6,8 @@
 // question about contents; the table positions serve `check` and `snapshot`,
 // which look at slots that no library call reports (empty keys, keys in the
 // wrong slot).
-#ifndef TARVCTL_CLASSES_H
-#define TARVCTL_CLASSES_H
+#ifndef TARVTOOL_CLASS_CATALOG_H
+#define TARVTOOL_CLASS_CATALOG_H
 
 #include <cstdint>
 #include <span>
@@ -17,7 +17,7 @@
 #include "api-tarv/classes.h"
 #include "tarv/tarv.h"
 
-namespace tarvctl {
+namespace tarvtool {
 
 inline constexpr const auto& kDataRegion = tarv::kRegionName;
 inline constexpr std::uint32_t kDataRegionSize = tarv::kRegionSize;
@@ -79,6 +79,6 @@ inline constexpr std::uint32_t kBwn = 848;
 
 [[nodiscard]] const ClassDef& class_of(std::uint32_t id) noexcept;
 
-}  // namespace tarvctl
+}  // namespace tarvtool
 
 #endif

@@ -1,13 +1,13 @@
-// Exit statuses of tarvctl, part of its interface to scripts, and the one
+// Exit statuses of the tools, part of their interface to scripts, and the one
 // error type the subcommands throw.
-#ifndef TARVCTL_STATUS_H
-#define TARVCTL_STATUS_H
+#ifndef TARVTOOL_STATUS_H
+#define TARVTOOL_STATUS_H
 
 #include <cstring>
 #include <stdexcept>
 #include <string>
 
-namespace tarvctl {
+namespace tarvtool {
 
 enum Exit : int {
     kExitOk = 0,        // done; `check` found nothing
@@ -35,6 +35,6 @@ inline std::string error_text(int error) {
     return text != nullptr ? text : "Unknown error " + std::to_string(error);
 }
 
-}  // namespace tarvctl
+}  // namespace tarvtool
 
 #endif

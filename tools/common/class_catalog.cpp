@@ -1,4 +1,4 @@
-#include "classes.h"
+#include "class_catalog.h"
 
 #include <fmt/format.h>
 
@@ -8,7 +8,7 @@
 
 #include "status.h"
 
-namespace tarvctl {
+namespace tarvtool {
 namespace {
 
 // What the tool adds to each of the library's classes, in the library's
@@ -98,4 +98,4 @@ const ClassDef& parse_class(std::string_view text) {
     throw Failure(kExitUsage, fmt::format("unknown class '{}': give one of {}", text, class_choices()));
 }
 
-}  // namespace tarvctl
+}  // namespace tarvtool

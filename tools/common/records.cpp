@@ -8,7 +8,7 @@
 
 #include "status.h"
 
-namespace tarvctl {
+namespace tarvtool {
 namespace {
 
 using namespace field;
@@ -264,4 +264,4 @@ std::vector<std::uint8_t> record_from_json(const ClassDef& c, const Json& record
     return record_bytes;
 }
 
-}  // namespace tarvctl
+}  // namespace tarvtool

@@ -1,4 +1,4 @@
-#include "region.h"
+#include "region_access.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -13,13 +13,13 @@
 #include <fstream>
 #include <iterator>
 
-#include "classes.h"
+#include "class_catalog.h"
 #include "platform/pcor.h"
 #include "status.h"
 #include "tarv/tarv.h"
 #include "tarv_host.h"
 
-namespace tarvctl {
+namespace tarvtool {
 namespace {
 
 constexpr char kPrefixRule[] = "at most 64 of A-Z a-z 0-9 . _ -";
@@ -44,7 +44,7 @@ void select_prefix(const Options& options) {
             throw Failure(kExitUsage, fmt::format("invalid --prefix '{}': {}", options.prefix, kPrefixRule));
         return;
     }
-    // Read before any thread starts; tarvctl never changes its environment.
+    // Read before any thread starts; the tools never change their environment.
     if (const char* env = std::getenv("TARV_SHM_PREFIX");  // NOLINT(concurrency-mt-unsafe)
         env != nullptr && TarvHost_SetShmPrefix(env) != 0)
         throw Failure(kExitUsage, fmt::format("invalid TARV_SHM_PREFIX '{}': {}", env, kPrefixRule));
@@ -113,4 +113,4 @@ std::vector<std::uint8_t> read_region_file(const std::string& path) {
     return bytes;
 }
 
-}  // namespace tarvctl
+}  // namespace tarvtool

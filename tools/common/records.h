@@ -14,8 +14,8 @@
 // decimals; texts are strings of one code point per byte (U+0000..U+00FF),
 // trailing zero bytes left out; addresses are six colon-separated hex bytes.
 // Singletons have no "key"; a class without named fields is one "opaque0".
-#ifndef TARVCTL_RECORDS_H
-#define TARVCTL_RECORDS_H
+#ifndef TARVTOOL_RECORDS_H
+#define TARVTOOL_RECORDS_H
 
 #include <cstdint>
 #include <initializer_list>
@@ -26,9 +26,9 @@
 #include <vector>
 
 #include "bytes.h"
-#include "classes.h"
+#include "class_catalog.h"
 
-namespace tarvctl {
+namespace tarvtool {
 
 using Json = nlohmann::ordered_json;
 
@@ -51,7 +51,7 @@ consteval FieldDef field_def(std::string_view name, tarv::Bytes b, Kind kind) {
     return {name, b.offset, b.size, kind, b.table};
 }
 
-// The fields tarvctl reads.
+// The fields the tools read.
 namespace field {
 inline constexpr FieldDef acMdName = field_def("acMdName", tarv::md::acMdName, Kind::Text);
 inline constexpr FieldDef eMdLevel = field_def("eMdLevel", tarv::md::eMdLevel);
@@ -122,6 +122,6 @@ struct KeyIds {
 [[nodiscard]] std::vector<std::uint8_t> key_from_json(const ClassDef& c, const Json& key);
 [[nodiscard]] std::vector<std::uint8_t> record_from_json(const ClassDef& c, const Json& record);
 
-}  // namespace tarvctl
+}  // namespace tarvtool
 
 #endif

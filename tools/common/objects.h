@@ -1,17 +1,17 @@
 // The region's objects as the library hands them out: transfer lists of
 // Tarv__GetConfig, and the MEPs through Tarv__MEPMoidIterator and
 // Tarv__ReadMEP, decoded into plain values for the views.
-#ifndef TARVCTL_OBJECTS_H
-#define TARVCTL_OBJECTS_H
+#ifndef TARVTOOL_OBJECTS_H
+#define TARVTOOL_OBJECTS_H
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "bytes.h"
-#include "classes.h"
+#include "class_catalog.h"
 
-namespace tarvctl {
+namespace tarvtool {
 
 // One class's transfer list, as Tarv__GetConfig writes it.
 class TransferList {
@@ -163,6 +163,6 @@ using tarv::macomp::kSVlan;
 using tarv::macomp::kVfi;
 using tarv::mep::kLagSlot;
 
-}  // namespace tarvctl
+}  // namespace tarvtool
 
 #endif
