@@ -13,6 +13,7 @@
 #include <unordered_map>
 
 #include "commands.h"
+#include "consistency.h"
 #include "common/records.h"
 #include "common/status.h"
 #include "style.h"
@@ -20,12 +21,6 @@
 namespace tarvctl {
 using namespace tarvtool;  // the shared tool library
 namespace {
-
-struct Finding {
-    std::string_view table;
-    std::uint32_t slot;
-    std::string problem;
-};
 
 class Checker {
 public:
@@ -146,6 +141,8 @@ private:
 
 }  // namespace
 
+std::vector<Finding> find_inconsistencies(Bytes region) { return Checker(region).run(); }
+
 void add_check(CLI::App& app, const Options& options, Commands& commands) {
     auto json = std::make_shared<bool>(false);
     CLI::App* check = app.add_subcommand("check", "Check the region's consistency");
@@ -159,7 +156,7 @@ void add_check(CLI::App& app, const Options& options, Commands& commands) {
     commands.add(check, [&options, json] {
         const DataRegion region = DataRegion::attach(options);
         const std::vector<std::uint8_t> bytes = region.copy();
-        const std::vector<Finding> findings = Checker(bytes).run();
+        const std::vector<Finding> findings = find_inconsistencies(bytes);
         if (*json) {
             Json list = Json::array();
             for (const Finding& f : findings)
