@@ -75,7 +75,7 @@ std::int64_t next_free_ma(const tarvtool::Configuration& c) {
     std::set<std::uint32_t> used;
     for (const tarvtool::Ma& m : c.mas) used.insert(m.ma);
     for (std::uint32_t n = 1; n <= kMaSlots; ++n)
-        if (used.count(n) == 0) return n;
+        if (!used.contains(n)) return n;
     return 0;
 }
 
@@ -87,7 +87,7 @@ void md_rows(std::vector<Instance>& out, const tarvtool::Configuration& c) {
         const Oid index{m.md};
         rows.add(index, 2, integer(kMdCharString));
         rows.add(index, 3, text(m.name, 43));
-        if (m.level >= 0 && m.level <= kMaxLevel) rows.add(index, 4, integer(m.level));
+        if (m.level >= 0 && m.level <= std::int64_t{kMaxLevel}) rows.add(index, 4, integer(m.level));
         rows.add(index, 5, integer(kMdMhfNone));
         rows.add(index, 6, integer(kMdSendIdNone));
         rows.add(index, 7, gauge(next));
@@ -131,7 +131,7 @@ std::pair<std::int64_t, std::vector<std::uint8_t>> defects(std::uint16_t word) {
     std::int64_t highest = 0;
     std::uint8_t bits = 0;
     for (unsigned n = 0; n < kDefectBits; ++n) {
-        if (((word >> n) & 1U) == 0) continue;
+        if (((unsigned{word} >> n) & 1U) == 0) continue;
         highest = n + 1;
         bits = static_cast<std::uint8_t>(bits | (0x80U >> n));
     }
@@ -199,7 +199,9 @@ IfIndexMap IfIndexMap::load(const std::string& path) {
         std::vector<std::string> w;
         for (std::string word; words >> word;) w.push_back(word);
         if (w.empty()) continue;
-        std::optional<std::int64_t> slot, port, ifindex;
+        std::optional<std::int64_t> slot;
+        std::optional<std::int64_t> port;
+        std::optional<std::int64_t> ifindex;
         if (w.size() == 3 && w[0] == "lag") {
             slot = tarvtool::kLagSlot;
             port = number(w[1], 255);

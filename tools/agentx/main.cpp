@@ -3,7 +3,6 @@
 // master agent (snmpd). It reads the region through libtarv.so and never
 // writes it.
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
 
 // clang-format off
 #include <net-snmp/net-snmp-config.h>
@@ -14,6 +13,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -108,9 +108,7 @@ int serve(const Settings& s) {
     return tarvtool::kExitOk;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     Settings s;
     CLI::App app("Serve the CFM configuration and MEP state of the OAM region as the IEEE8021-CFM-MIB, "
                  "an AgentX subagent of snmpd.",
@@ -132,10 +130,23 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? 0 : tarvtool::kExitUsage;
     }
+    return serve(s);
+}
+
+void report(const char* what) noexcept { std::fprintf(stderr, "%s: %s\n", kName, what); }
+
+}  // namespace
+
+int main(int argc, char** argv) {
     try {
-        return serve(s);
+        return run(argc, argv);
     } catch (const tarvtool::Failure& e) {
-        fmt::print(stderr, "{}: {}\n", kName, e.what());
+        report(e.what());
         return e.code();
+    } catch (const std::exception& e) {
+        report(e.what());
+    } catch (...) {
+        report("unexpected failure");
     }
+    return tarvtool::kExitIo;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <memory>
 #include <vector>
 
 #include "common/class_catalog.h"
@@ -42,20 +43,22 @@ bool attach() {
     return served->attached;
 }
 
-void free_snapshot(void* p) { delete static_cast<std::vector<Instance>*>(p); }
+// The agent library owns a request's data and frees it through this.
+void free_snapshot(void* p) { std::unique_ptr<std::vector<Instance>>(static_cast<std::vector<Instance>*>(p)).reset(); }
 
 // The region as this request sees it: read at its first varbind, kept with
 // the request until the agent library frees it.
 const std::vector<Instance>& snapshot(netsnmp_agent_request_info* reqinfo) {
     if (void* kept = netsnmp_agent_get_list_data(reqinfo, kSnapshotKey); kept != nullptr)
         return *static_cast<const std::vector<Instance>*>(kept);
-    auto* read = new std::vector<Instance>();
+    auto read = std::make_unique<std::vector<Instance>>();
     if (attach()) {
         const tarvtool::Configuration c = tarvtool::Configuration::read();
         *read = instances(c, tarvtool::Alarms::read(c), served->map);
     }
-    netsnmp_agent_add_list_data(reqinfo, netsnmp_create_data_list(kSnapshotKey, read, free_snapshot));
-    return *read;
+    const std::vector<Instance>& kept = *read;
+    netsnmp_agent_add_list_data(reqinfo, netsnmp_create_data_list(kSnapshotKey, read.release(), free_snapshot));
+    return kept;
 }
 
 std::vector<std::uint32_t> oid_of(const oid* name, std::size_t length) { return {name, name + length}; }
