@@ -74,7 +74,8 @@ def expected():
         i = f"{m['md']}.{m['ma']}.{m['mepId']}"
         word = words.get((m["md"], m["ma"], m["mep"]), 0) & 0x1F
         e.update({f"{tables['list']}.2.{i}": "1", f"{tables['mep']}.3.{i}": {"Down": "1", "Up": "2"}[m["direction"]],
-                  f"{tables['mep']}.2.{i}": str(10000 + m["lag"] if m.get("lag") else 1000 * m["slot"] + m["port"]),
+                  f"{tables['mep']}.2.{i}": str({6: 4242}.get(m.get("lag"), 10000 + m["lag"] if m.get("lag") else
+                                                          1000 * m["slot"] + m["port"])),
                   f"{tables['mep']}.4.{i}": str(m["vid"]), f"{tables['mep']}.9.{i}": m["mac"].replace(":", ""),
                   f"{tables['mep']}.13.{i}": str(word.bit_length()),
                   f"{tables['mep']}.14.{i}": f"{int(f'{word:05b}'[::-1], 2) << 3:02x}"})
@@ -98,11 +99,18 @@ def rss(name):
 
 try:
     sp.run([tarvctl, "demo"], env=env, check=True, stdout=sp.DEVNULL)
-    # Nothing to attach to: a clear message and exit 1.
-    r = sp.run([agentx, "--foreground", "--agentx-socket", f"{tmp}/none"], env=env, capture_output=True, text=True)
-    assert r.returncode == 1 and "cannot reach the master agent" in r.stderr, r
+    # Refused at start-up: no master agent (1), a malformed ifIndex map (2).
+    with open(f"{tmp}/ifindex", "w") as f:
+        f.write("# LAG 6 numbered by the switch\nlag 6 4242\n")
+    with open(f"{tmp}/bad-ifindex", "w") as f:
+        f.write("2/6 17\n")
+    for args, status, message in [(["--ifindex-map", f"{tmp}/ifindex"], 1, "cannot reach the master agent"),
+                                  (["--ifindex-map", f"{tmp}/bad-ifindex"], 2, "bad-ifindex:1:")]:
+        r = sp.run([agentx, "--foreground", "--agentx-socket", f"{tmp}/none", *args], env=env, capture_output=True, text=True)
+        assert r.returncode == status and message in r.stderr, r
     start_snmpd()
-    start("agentx", agentx, "--foreground", "--agentx-socket", f"{tmp}/agentx", "--ping-interval", "1")
+    start("agentx", agentx, "--foreground", "--agentx-socket", f"{tmp}/agentx", "--ping-interval", "1",
+          "--ifindex-map", f"{tmp}/ifindex")
     until(lambda: walk(), "the subagent never answered")
     tree = check_tables("demo region")
     assert walk("snmpbulkwalk", "-Cr1000") == tree, "GETBULK with large max-repetitions differs from GETNEXT"
@@ -110,7 +118,8 @@ try:
     # GET: a row the region lacks, a left-out column, the entry and column OIDs themselves.
     mep = f"{root}.{tables['mep']}"
     for oid, answer in [(f"{mep}.2.1.1.999", "No Such Instance"), (f"{mep}.6.1.1.101", "No Such Object"),
-                        (f"{mep}.2", "No Such Object"), (f"{mep}.2.1.1.101", "INTEGER: 1003")]:
+                        (f"{mep}.2", "No Such Object"), (f"{mep}.2.1.1.101", "INTEGER: 1003"),
+                        (f"{mep}.2.2.2.203", "INTEGER: 4242")]:
         assert answer in snmp("snmpget", oid), (oid, snmp("snmpget", oid))
     # GETNEXT past the last instance of each table goes on to the next table.
     for table, nxt in zip(tables.values(), list(tables.values())[1:] + [None]):

@@ -194,29 +194,29 @@ IfIndexMap IfIndexMap::load(const std::string& path) {
     IfIndexMap map;
     std::string line;
     for (int n = 1; std::getline(in, line); ++n) {
-        line = line.substr(0, line.find('#'));
+        if (const std::size_t hash = line.find('#'); hash != std::string::npos) line.resize(hash);
         std::istringstream words(line);
         std::vector<std::string> w;
         for (std::string word; words >> word;) w.push_back(word);
         if (w.empty()) continue;
         std::optional<std::int64_t> slot;
         std::optional<std::int64_t> port;
-        std::optional<std::int64_t> ifindex;
+        std::optional<std::int64_t> number_given;
         if (w.size() == 3 && w[0] == "lag") {
             slot = tarvtool::kLagSlot;
             port = number(w[1], 255);
-            ifindex = number(w[2], 2147483647);
+            number_given = number(w[2], 2147483647);
         } else if (w.size() == 2 && w[0].find('/') != std::string::npos) {
             const std::size_t slash = w[0].find('/');
             slot = number(w[0].substr(0, slash), 255);
             port = number(w[0].substr(slash + 1), 255);
             if (slot == tarvtool::kLagSlot) slot.reset();  // slot 2 numbers LAGs: "lag N"
-            ifindex = number(w[1], 2147483647);
+            number_given = number(w[1], 2147483647);
         }
-        if (!slot || !port || !ifindex)
+        if (!slot || !port || !number_given)
             throw tarvtool::Failure(tarvtool::kExitUsage,
                                     fmt::format("{}:{}: expected 'SLOT/PORT IFINDEX' or 'lag N IFINDEX'", path, n));
-        map.entries_[{static_cast<std::uint8_t>(*slot), static_cast<std::uint8_t>(*port)}] = *ifindex;
+        map.entries_[{static_cast<std::uint8_t>(*slot), static_cast<std::uint8_t>(*port)}] = *number_given;
     }
     return map;
 }

@@ -56,9 +56,9 @@ const std::vector<Instance>& snapshot(netsnmp_agent_request_info* reqinfo) {
         const tarvtool::Configuration c = tarvtool::Configuration::read();
         *read = instances(c, tarvtool::Alarms::read(c), served->map);
     }
-    const std::vector<Instance>& kept = *read;
-    netsnmp_agent_add_list_data(reqinfo, netsnmp_create_data_list(kSnapshotKey, read.release(), free_snapshot));
-    return kept;
+    std::vector<Instance>* kept = read.release();
+    netsnmp_agent_add_list_data(reqinfo, netsnmp_create_data_list(kSnapshotKey, kept, free_snapshot));
+    return *kept;
 }
 
 std::vector<std::uint32_t> oid_of(const oid* name, std::size_t length) { return {name, name + length}; }
