@@ -133,7 +133,7 @@ int run(int argc, char** argv) {
     return serve(s);
 }
 
-void report(const char* what) noexcept { std::fprintf(stderr, "%s: %s\n", kName, what); }
+void report(const char* what) noexcept { (void)std::fprintf(stderr, "%s: %s\n", kName, what); }
 
 }  // namespace
 
