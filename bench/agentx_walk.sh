@@ -44,7 +44,7 @@ sleep 1
 mep_table=.1.3.111.2.802.1.1.8.1.7.1
 rows=$(snmpbulkwalk -v2c -c public -On -Cr50 "127.0.0.1:$port" "$mep_table" | wc -l)
 meps=$("$tarvctl" show meps --json | python3 -c 'import json, sys; j = json.load(sys.stdin); print(len(j["meps"] if isinstance(j, dict) else j))')
-echo "dot1agCfmMepTable: $rows instances, $meps MEPs"
+echo "dot1agCfmMepTable: $rows lines of snmpbulkwalk output, $meps MEPs in the region"
 
 time_runs() {  # label, command...
     local label=$1; shift
