@@ -16,13 +16,12 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "byteorder.h"
-#include "support/guard_page.h"
-#include "tarv/tarv.h"
+#include "fuzz_support.h"
 
 namespace {
 
 using tarv::load_le;
+using tarv::fuzz::Input;
 using tarv::testing::GuardedBytes;
 
 constexpr std::uint8_t kUntouched = 0xA5;
@@ -79,6 +78,7 @@ void check_im_to_ms(const Kind& k, const std::uint8_t* data, std::size_t size, v
     spread(im.data(), k.im_size, data, size);
     ms.fill(kUntouched);
     convert(reinterpret_cast<Ms*>(ms.data()), reinterpret_cast<const Im*>(im.data()));
+    if (!tarv::fuzz::checking) return;
 
     std::uint8_t expected[256];
     std::memset(expected, kUntouched, k.ms_size);
@@ -101,6 +101,7 @@ void check_ms_to_im(const Kind& k, const std::uint8_t* data, std::size_t size, v
     spread(ms.data(), k.ms_size, data, size);
     im.fill(kUntouched);
     convert(reinterpret_cast<Im*>(im.data()), reinterpret_cast<const Ms*>(ms.data()));
+    if (!tarv::fuzz::checking) return;
 
     std::uint8_t expected[640];
     std::memset(expected, kUntouched, k.im_size);
@@ -124,17 +125,32 @@ void check_ms_to_im(const Kind& k, const std::uint8_t* data, std::size_t size, v
         if (im.data()[i] != expected[i]) fail("MS to IM differs from snprintf and the copies", i);
 }
 
+// The first input byte picks the locale; the records are made of the whole
+// input, that byte included.
+bool prepare(Input& in, std::uint8_t*&) {
+    const bool comma = !in.rest().empty() && (in.rest()[0] & 1u) != 0u;
+    return std::setlocale(LC_NUMERIC, comma ? "de_DE.UTF-8" : "C") != nullptr;
+}
+
+template <typename Ms, typename Im, void (*F)(Ms*, const Im*)>
+void im_to_ms(const Kind& k, const char* name, Input& in) {
+    tarv::fuzz::note(name);
+    check_im_to_ms<Ms, Im>(k, in.rest().data(), in.rest().size(), F);
+}
+template <typename Im, typename Ms, void (*F)(Im*, const Ms*)>
+void ms_to_im(const Kind& k, const char* name, Input& in) {
+    tarv::fuzz::note(name);
+    check_ms_to_im<Im, Ms>(k, in.rest().data(), in.rest().size(), F);
+}
+
+constexpr tarv::fuzz::Op kEachInput[] = {
+    {[](std::uint8_t*, Input& in) { im_to_ms<DMRecordMS, DMRecordIM, Tarv__DMRecordIM2MS>(kDm, "Tarv__DMRecordIM2MS", in); }},
+    {[](std::uint8_t*, Input& in) { im_to_ms<LMRecordMS, LMRecordIM, Tarv__LMRecordIM2MS>(kLm, "Tarv__LMRecordIM2MS", in); }},
+    {[](std::uint8_t*, Input& in) { ms_to_im<DMRecordIM, DMRecordMS, Tarv__DMRecordMS2IM>(kDm, "Tarv__DMRecordMS2IM", in); }},
+    {[](std::uint8_t*, Input& in) { ms_to_im<LMRecordIM, LMRecordMS, Tarv__LMRecordMS2IM>(kLm, "Tarv__LMRecordMS2IM", in); }},
+};
+
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const bool comma = size > 0 && (data[0] & 1u) != 0u;
-    if (comma && std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr) return 0;
-
-    check_im_to_ms<DMRecordMS, DMRecordIM>(kDm, data, size, Tarv__DMRecordIM2MS);
-    check_im_to_ms<LMRecordMS, LMRecordIM>(kLm, data, size, Tarv__LMRecordIM2MS);
-    check_ms_to_im<DMRecordIM, DMRecordMS>(kDm, data, size, Tarv__DMRecordMS2IM);
-    check_ms_to_im<LMRecordIM, LMRecordMS>(kLm, data, size, Tarv__LMRecordMS2IM);
-
-    if (comma) std::setlocale(LC_NUMERIC, "C");
-    return 0;
-}
+const tarv::fuzz::Target tarv::fuzz::pm_record_target{"pm_record", prepare, {}, kEachInput};
+TARV_FUZZ_ENTRY(pm_record_target)

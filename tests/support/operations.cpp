@@ -119,10 +119,6 @@ const PmInputs kPm;
 // Rows
 // ---------------------------------------------------------------------------
 
-void open_again(Scratch&, const Operation&) { Tarv__Open(); }
-void stor_open_again(Scratch&, const Operation&) { Tarv__StorOpen(); }
-void save_xml(Scratch&, const Operation&) { Tarv__SaveXMLIfOldConfig(); }
-
 // Buffer a Tarv__GetConfig call needs for class `id` and count `count`:
 // what the caller must provide, and for counts beyond the table the most
 // the class can write (every slot and a terminator).
@@ -205,29 +201,6 @@ void lm_im2ms(Scratch& s, const Operation&) {
                  }})
 #define VOID_ROW(kind, function, variant, args) \
     t.push_back({#function, variant, kind, []([[maybe_unused]] Scratch& s, const Operation&) { function args; }})
-
-// Tarv__SetConfig of what class op.a holds: the list Tarv__GetConfig gives,
-// with a zeroed tail where the history list, which has no terminator, ends.
-void write_back(Scratch& s, const Operation& op) {
-    const ClassInfo& c = *find_class(op.a);
-    const std::uint32_t count = c.rule == ClassRule::List ? c.slots() + 1 : 1;
-    const std::size_t terminator = c.rule == ClassRule::NoStorage || c.rule == ClassRule::Singleton ? 0 : c.key_size();
-    std::uint8_t* list = s.out(config_buffer(c.id, count) + terminator);
-    std::memset(list, 0, config_buffer(c.id, count) + terminator);
-    s.result(static_cast<std::uint32_t>(Tarv__GetConfig(c.id, list, count)));
-    s.result(static_cast<std::uint32_t>(Tarv__SetConfig(c.id, list)));
-}
-
-// Tarv__SetConfig of a list whose first record addresses no slot: an MD of
-// instance 0 (op.a 531), a PM session of id 9 (op.a 674).
-void write_refused(Scratch& s, const Operation& op) {
-    const ClassInfo& c = *find_class(op.a);
-    std::uint8_t* list = s.out(c.transfer_size() + c.key_size());
-    std::memset(list, 0, c.transfer_size() + c.key_size());
-    store_le<std::uint16_t>(list, static_cast<std::uint16_t>(c.id));
-    if (c.occupancy == Occupancy::SessionByte) list[14] = 9;
-    s.result(static_cast<std::uint32_t>(Tarv__SetConfig(c.id, list)));
-}
 
 void walk_bandwidth_notifications(Scratch& s, const Operation&) { walk(s, Tarv__BandwidthNotificationMoidIterator); }
 void walk_throughput_list(Scratch& s, const Operation&) { walk(s, Tarv__ThroughputListMoidIterator); }
@@ -378,29 +351,9 @@ void reader_and_alarm_rows(std::vector<Operation>& t) {
     t.push_back({"Tarv__SetChkpData", "wrong section", K::Read, set_chkp, 8, TARV_CHKP_SECTION_ID + 1});
 }
 
-// Writes, after every reading row, so that those first see the populated
-// region: each class written back as Tarv__GetConfig lists it (the write
-// derives MAC addresses from the platform, LAG, slot 3 and other ports),
-// refused lists, an unknown class, the checkpoint record.
-void write_rows(std::vector<Operation>& t) {
-    using K = OperationKind;
-    for (const ClassInfo& c : kClasses) t.push_back({"Tarv__SetConfig", "write back", K::Write, write_back, c.id});
-    t.push_back({"Tarv__SetConfig", "MD instance 0", K::Write, write_refused, TARV_CLASS_MD});
-    t.push_back({"Tarv__SetConfig", "session id 9", K::Write, write_refused, TARV_CLASS_PM_SESSION});
-    ROW(K::Write, Tarv__SetConfig, "unknown class", (572, s.out(0)));
-    t.push_back({"Tarv__SetChkpData", "the whole record", K::Write, set_chkp, TARV_CHKP_DATA_SIZE,
-                 TARV_CHKP_SECTION_ID});
-    t.push_back({"Tarv__SetChkpData", "length 0, null pData", K::Write, set_chkp, 0, TARV_CHKP_SECTION_ID});
-}
-
 std::vector<Operation> make_table() {
     using K = OperationKind;
-    std::vector<Operation> t = {
-        {"Tarv__Open", "already attached", K::Attach, open_again},
-        {"Tarv__StorOpen", "already attached read-write", K::Attach, stor_open_again},
-        {"Tarv__SaveXMLIfOldConfig", "hook", K::Pure, save_xml},
-        {"Tarv__ChkpOpen", "already attached", K::Attach, [](Scratch&, const Operation&) { Tarv__ChkpOpen(); }},
-    };
+    std::vector<Operation> t;
 
     // Configuration read: every class with counts below, at and above what
     // it holds (two objects per table), and ids it does not know.
@@ -438,7 +391,6 @@ std::vector<Operation> make_table() {
     t.push_back({"Tarv__DMRecordIM2MS", "every kind of text", K::Pure, dm_im2ms});
     t.push_back({"Tarv__LMRecordMS2IM", "every kind of value", K::Pure, lm_ms2im});
     t.push_back({"Tarv__LMRecordIM2MS", "unterminated texts", K::Pure, lm_im2ms});
-    write_rows(t);
     return t;
 }
 

@@ -1,14 +1,11 @@
-// Every operation of the library, as rows of one table, for the checks that
-// must hold for all of them alike: no system call and no allocation once the
-// region is attached, the same answers from several threads at once.
+// The reading operations of the library, as rows of one table, for the
+// check that they give the same answers from several threads at once as
+// alone.
 //
 // A row calls one exported function with one set of arguments. Its buffers
 // come from a Scratch prepared beforehand, so that running a row needs
 // nothing but the library: no mapping, no allocation. Every output buffer
 // ends at an inaccessible page.
-//
-// A new exported function gets at least one row in operations.cpp; the
-// OperationTable test fails while an exported function has none.
 #ifndef TARV_TESTS_OPERATIONS_H
 #define TARV_TESTS_OPERATIONS_H
 
