@@ -73,10 +73,11 @@ void spread(std::uint8_t* out, std::size_t n, const std::uint8_t* data, std::siz
 }
 
 template <typename Ms, typename Im>
-void check_im_to_ms(const Kind& k, const std::uint8_t* data, std::size_t size, void (*convert)(Ms*, const Im*)) {
+void check_im_to_ms(const Kind& k, const Input& in, void (*convert)(Ms*, const Im*), const char* name) {
     static GuardedBytes im(k.im_size), ms(k.ms_size);  // one pair per record kind
-    spread(im.data(), k.im_size, data, size);
+    spread(im.data(), k.im_size, in.rest().data(), in.rest().size());
     ms.fill(kUntouched);
+    tarv::fuzz::note(name);
     convert(reinterpret_cast<Ms*>(ms.data()), reinterpret_cast<const Im*>(im.data()));
     if (!tarv::fuzz::checking) return;
 
@@ -96,10 +97,11 @@ void check_im_to_ms(const Kind& k, const std::uint8_t* data, std::size_t size, v
 }
 
 template <typename Im, typename Ms>
-void check_ms_to_im(const Kind& k, const std::uint8_t* data, std::size_t size, void (*convert)(Im*, const Ms*)) {
+void check_ms_to_im(const Kind& k, const Input& in, void (*convert)(Im*, const Ms*), const char* name) {
     static GuardedBytes ms(k.ms_size), im(k.im_size);  // one pair per record kind
-    spread(ms.data(), k.ms_size, data, size);
+    spread(ms.data(), k.ms_size, in.rest().data(), in.rest().size());
     im.fill(kUntouched);
+    tarv::fuzz::note(name);
     convert(reinterpret_cast<Im*>(im.data()), reinterpret_cast<const Ms*>(ms.data()));
     if (!tarv::fuzz::checking) return;
 
@@ -132,22 +134,13 @@ bool prepare(Input& in, std::uint8_t*&) {
     return std::setlocale(LC_NUMERIC, comma ? "de_DE.UTF-8" : "C") != nullptr;
 }
 
-template <typename Ms, typename Im, void (*F)(Ms*, const Im*)>
-void im_to_ms(const Kind& k, const char* name, Input& in) {
-    tarv::fuzz::note(name);
-    check_im_to_ms<Ms, Im>(k, in.rest().data(), in.rest().size(), F);
-}
-template <typename Im, typename Ms, void (*F)(Im*, const Ms*)>
-void ms_to_im(const Kind& k, const char* name, Input& in) {
-    tarv::fuzz::note(name);
-    check_ms_to_im<Im, Ms>(k, in.rest().data(), in.rest().size(), F);
-}
-
+// Each conversion on the records the input makes, named for the tally.
+#define CONVERT(check, kind, function) {[](std::uint8_t*, Input& in) { check(kind, in, function, #function); }}
 constexpr tarv::fuzz::Op kEachInput[] = {
-    {[](std::uint8_t*, Input& in) { im_to_ms<DMRecordMS, DMRecordIM, Tarv__DMRecordIM2MS>(kDm, "Tarv__DMRecordIM2MS", in); }},
-    {[](std::uint8_t*, Input& in) { im_to_ms<LMRecordMS, LMRecordIM, Tarv__LMRecordIM2MS>(kLm, "Tarv__LMRecordIM2MS", in); }},
-    {[](std::uint8_t*, Input& in) { ms_to_im<DMRecordIM, DMRecordMS, Tarv__DMRecordMS2IM>(kDm, "Tarv__DMRecordMS2IM", in); }},
-    {[](std::uint8_t*, Input& in) { ms_to_im<LMRecordIM, LMRecordMS, Tarv__LMRecordMS2IM>(kLm, "Tarv__LMRecordMS2IM", in); }},
+    CONVERT(check_im_to_ms, kDm, Tarv__DMRecordIM2MS),
+    CONVERT(check_im_to_ms, kLm, Tarv__LMRecordIM2MS),
+    CONVERT(check_ms_to_im, kDm, Tarv__DMRecordMS2IM),
+    CONVERT(check_ms_to_im, kLm, Tarv__LMRecordMS2IM),
 };
 
 }  // namespace

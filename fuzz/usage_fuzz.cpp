@@ -240,19 +240,19 @@ void with_region(std::uint8_t* region, Input& in) {
     F(region, which, in);
 }
 template <void (*F)(std::uint8_t, Input&), std::uint8_t which>
-void without_region(std::uint8_t*, Input& in) {
+void with_variant(std::uint8_t*, Input& in) {
     F(which, in);
 }
 
 constexpr fuzz::Op kOps[] = {
     {with_region<presence, 0>},        {with_region<presence, 1>},        {with_region<presence, 2>},
     {[](std::uint8_t* r, Input& in) { mep_on_port(r, in); }},
-    {without_region<vlan_on_port, 0>}, {without_region<vlan_on_port, 1>}, {without_region<vlan_on_port, 2>},
-    {without_region<vlan_on_port, 3>}, {without_region<vlan_on_port, 4>}, {without_region<vlan_on_port, 5>},
+    {with_variant<vlan_on_port, 0>}, {with_variant<vlan_on_port, 1>}, {with_variant<vlan_on_port, 2>},
+    {with_variant<vlan_on_port, 3>}, {with_variant<vlan_on_port, 4>}, {with_variant<vlan_on_port, 5>},
     {with_region<switch_wide, 0>},     {with_region<switch_wide, 1>},     {with_region<switch_wide, 2>},
     {[](std::uint8_t*, Input& in) { check_tagging(in); }},
-    {without_region<range_finder, 0>}, {without_region<range_finder, 1>}, {without_region<range_finder, 2>},
-    {without_region<range_finder, 3>},
+    {with_variant<range_finder, 0>}, {with_variant<range_finder, 1>}, {with_variant<range_finder, 2>},
+    {with_variant<range_finder, 3>},
     {[](std::uint8_t* r, Input& in) { find_down_mep(r, in); }},
     {[](std::uint8_t* r, Input& in) { mip_on_cvlan(r, in); }},
     {[](std::uint8_t*, Input& in) { lag(in); }},
