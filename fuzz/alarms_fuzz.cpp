@@ -38,7 +38,7 @@ constexpr Table kTables[] = {
 };
 
 void alarms(const std::uint8_t* region) {
-    static fuzz::Guarded words(32 * sizeof(std::uint16_t));
+    static thread_local fuzz::Guarded words(32 * sizeof(std::uint16_t));
     auto* out = reinterpret_cast<std::uint16_t*>(words.take(32 * sizeof(std::uint16_t)));
     CALL(Tarv__GetAlarms, (out));
     for (std::uint32_t s = 0; s < 32; ++s) {
@@ -53,7 +53,7 @@ void alarms(const std::uint8_t* region) {
 }
 
 void details(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded moid_buffer(TARV_MOID_SIZE), text_buffer(TARV_ALARM_TEXT_SIZE);
+    static thread_local fuzz::Guarded moid_buffer(TARV_MOID_SIZE), text_buffer(TARV_ALARM_TEXT_SIZE);
     const std::uint32_t index = in.number();
     std::uint8_t* moid = moid_buffer.take(TARV_MOID_SIZE);
     std::uint8_t* text = text_buffer.take(TARV_ALARM_TEXT_SIZE);
@@ -83,7 +83,7 @@ void details(std::uint8_t* region, Input& in) {
 }
 
 void blocks(const std::uint8_t* region) {
-    static fuzz::Guarded pm(TARV_PM_ALARM_BLOCK_SIZE), hw(TARV_MEP_HW_ALARM_BLOCK_SIZE);
+    static thread_local fuzz::Guarded pm(TARV_PM_ALARM_BLOCK_SIZE), hw(TARV_MEP_HW_ALARM_BLOCK_SIZE);
     std::uint8_t* pm_out = pm.take(TARV_PM_ALARM_BLOCK_SIZE);
     std::uint8_t* hw_out = hw.take(TARV_MEP_HW_ALARM_BLOCK_SIZE);
     CALL(Tarv__GetPMAlarms, (pm_out));
@@ -94,7 +94,7 @@ void blocks(const std::uint8_t* region) {
 }
 
 void pm_key(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded key_buffer(TARV_PM_KEY_SIZE);
+    static thread_local fuzz::Guarded key_buffer(TARV_PM_KEY_SIZE);
     struct Getter {
         void (*get)(uint32_t, TARV_PM_KEY*);
         Table table;
@@ -151,7 +151,7 @@ std::size_t expected_source(const std::uint8_t* region, const std::uint8_t* pm, 
 }
 
 void alarm_source(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded info_buffer(TARV_MEP_ALARM_INFO_SIZE);
+    static thread_local fuzz::Guarded info_buffer(TARV_MEP_ALARM_INFO_SIZE);
     const TARV_PM_KEY key = fuzz::read_key<TARV_PM_KEY>(region, Table::PMSessionMoidArray, in);
     char want[200] = {};
     // A replay without comparisons hands out the longest text's buffer.

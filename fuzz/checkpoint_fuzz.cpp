@@ -49,7 +49,7 @@ void open(Model& m, Input& in) {
 }
 
 void get(const Model& m, Input& in) {
-    static fuzz::Guarded value_buffer(2), data_buffer(kSize);
+    static thread_local fuzz::Guarded value_buffer(2), data_buffer(kSize);
     const std::uint32_t section = in.u32();
     const auto length = static_cast<std::int32_t>(in.number());
     const bool null_data = (in.u8() & 1u) != 0;
@@ -68,7 +68,7 @@ void get(const Model& m, Input& in) {
 }
 
 void set(Model& m, Input& in) {
-    static fuzz::Guarded data_buffer(kSize);
+    static thread_local fuzz::Guarded data_buffer(kSize);
     const std::uint32_t section = TARV_CHKP_SECTION_ID + in.u8() % 3u - 1u;
     const auto value = static_cast<std::uint16_t>(in.u8() % 3u);
     const auto length = static_cast<std::int32_t>(in.number());
@@ -99,14 +99,14 @@ bool prepare(Input& in, std::uint8_t*&) {
 }
 
 constexpr fuzz::Op kOps[] = {
-    {[](std::uint8_t*, Input& in) { open(g_model, in); }, true},
+    {[](std::uint8_t*, Input& in) { open(g_model, in); }, fuzz::kAttaches},
     {[](std::uint8_t*, Input& in) { get(g_model, in); }},
-    {[](std::uint8_t*, Input& in) { set(g_model, in); }},
+    {[](std::uint8_t*, Input& in) { set(g_model, in); }, fuzz::kWrites},
     {[](std::uint8_t*, Input&) {
         if (!fuzz::checking) return;  // a replay keeps its attachment
         pChkpData = nullptr;
         g_model.attached = nullptr;
-    }},
+    }, fuzz::kAttaches},
 };
 
 }  // namespace

@@ -106,7 +106,7 @@ std::vector<std::uint8_t> expected_list(const std::uint8_t* region, const ClassI
 
 void get_config(std::uint8_t* region, Input& in) {
     constexpr std::size_t kLongest = 4097 * 22 + 4096;  // every slot of class 581
-    static fuzz::Guarded buffer(kLongest);
+    static thread_local fuzz::Guarded buffer(kLongest);
     const std::uint8_t selector = in.u8();
     const std::uint32_t id = (selector & 0x80u) != 0 ? in.u32() : kClasses[selector % kClasses.size()].id;
     const std::uint32_t count = read_count(in);
@@ -199,7 +199,7 @@ void check_written(const std::uint8_t* region, const ClassInfo& c, const std::ui
 }
 
 void set_config(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded buffer(130 * 509 + 4096);
+    static thread_local fuzz::Guarded buffer(130 * 509 + 4096);
     const std::uint8_t selector = in.u8();
     const bool attached = (selector & 0x40u) == 0;
     const std::uint32_t id = (selector & 0x80u) != 0 ? in.u32() : kClasses[selector % kClasses.size()].id;
@@ -288,11 +288,11 @@ bool prepare(Input& in, std::uint8_t*& region) {
 
 // The attach calls, a no-op once attached, and the hook that takes nothing.
 constexpr fuzz::Op kEachInput[] = {
-    {[](std::uint8_t*, Input&) { CALL(Tarv__Open, ()); }, true},
-    {[](std::uint8_t*, Input&) { CALL(Tarv__StorOpen, ()); }, true},
+    {[](std::uint8_t*, Input&) { CALL(Tarv__Open, ()); }, fuzz::kAttaches},
+    {[](std::uint8_t*, Input&) { CALL(Tarv__StorOpen, ()); }, fuzz::kAttaches},
     {[](std::uint8_t*, Input&) { CALL(Tarv__SaveXMLIfOldConfig, ()); }},
 };
-constexpr fuzz::Op kOps[] = {{get_config}, {set_config}};
+constexpr fuzz::Op kOps[] = {{get_config}, {set_config, fuzz::kWrites}};
 
 }  // namespace
 

@@ -113,9 +113,23 @@ inline void note(std::string_view function) noexcept {
     if (tally != nullptr) tally->add(function);
 }
 
+// Where this thread folds the values the calls return (FNV-1a) while set,
+// for comparing the same operations run in several threads.
+inline thread_local std::uint64_t* answers = nullptr;
+struct Answer {};
+template <typename T>
+T operator,(T value, Answer) noexcept {
+    if (answers != nullptr) {
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &value, sizeof value < sizeof bits ? sizeof value : sizeof bits);
+        *answers = (*answers ^ bits) * 1099511628211u;
+    }
+    return value;
+}
+
 // Every call of the targets into the library: function, then its arguments
 // in parentheses.
-#define CALL(function, args) (::tarv::fuzz::note(#function), function args)
+#define CALL(function, args) (::tarv::fuzz::note(#function), (function args, ::tarv::fuzz::Answer{}))
 
 inline bool is_private(Table t) {
     return t == Table::Private1 || t == Table::Private2 || t == Table::Private3 || t == Table::Private4;
@@ -254,11 +268,11 @@ inline void check_traces(const char* target) {
 }
 
 // One operation of a target: reads its arguments from the input and calls
-// the library. `attaches` marks the calls that attach a region: a replay
-// without the region attached leaves them out, as they would really attach.
+// the library. What it does besides reading decides where it may run.
+enum Effect : unsigned { kReads = 0, kAttaches = 1, kWrites = 2 };
 struct Op {
     void (*run)(std::uint8_t* region, Input& in);
-    bool attaches = false;
+    unsigned effect = kReads;
 };
 
 struct Target {
@@ -270,14 +284,15 @@ struct Target {
     std::span<const Op> each_input;  // run once each, in order, before those
 };
 
-// Runs the operations of a prepared input; `attached` false: the regions
-// are detached and the operations that would attach them are left out.
-inline void run_ops(const Target& t, std::uint8_t* region, Input in, bool attached) {
+// Runs the operations of a prepared input but those with an effect in
+// `skip`: a replay without the regions attached leaves out the attach calls,
+// which would really attach; one beside other threads leaves out the writes.
+inline void run_ops(const Target& t, std::uint8_t* region, Input in, unsigned skip = 0) {
     for (const Op& op : t.each_input)
-        if (attached || !op.attaches) op.run(region, in);
+        if ((op.effect & skip) == 0) op.run(region, in);
     for (int n = 0; n < 64 && !t.ops.empty() && !in.empty(); ++n) {
         const Op& op = t.ops[in.u8() % t.ops.size()];
-        if (attached || !op.attaches) op.run(region, in);
+        if ((op.effect & skip) == 0) op.run(region, in);
     }
 }
 
@@ -285,7 +300,7 @@ inline int run(const Target& t, const std::uint8_t* data, std::size_t size) {
     Input in(data, size);
     std::uint8_t* region = nullptr;
     if (!t.prepare(in, region)) return 0;
-    run_ops(t, region, in, true);
+    run_ops(t, region, in);
     check_traces(t.name);
     return 0;
 }

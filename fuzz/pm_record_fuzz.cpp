@@ -74,7 +74,7 @@ void spread(std::uint8_t* out, std::size_t n, const std::uint8_t* data, std::siz
 
 template <typename Ms, typename Im>
 void check_im_to_ms(const Kind& k, const Input& in, void (*convert)(Ms*, const Im*), const char* name) {
-    static GuardedBytes im(k.im_size), ms(k.ms_size);  // one pair per record kind
+    static thread_local GuardedBytes im(k.im_size), ms(k.ms_size);  // one pair per record kind
     spread(im.data(), k.im_size, in.rest().data(), in.rest().size());
     ms.fill(kUntouched);
     tarv::fuzz::note(name);
@@ -98,7 +98,7 @@ void check_im_to_ms(const Kind& k, const Input& in, void (*convert)(Ms*, const I
 
 template <typename Im, typename Ms>
 void check_ms_to_im(const Kind& k, const Input& in, void (*convert)(Im*, const Ms*), const char* name) {
-    static GuardedBytes ms(k.ms_size), im(k.im_size);  // one pair per record kind
+    static thread_local GuardedBytes ms(k.ms_size), im(k.im_size);  // one pair per record kind
     spread(ms.data(), k.ms_size, in.rest().data(), in.rest().size());
     im.fill(kUntouched);
     tarv::fuzz::note(name);

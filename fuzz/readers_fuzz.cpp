@@ -105,7 +105,7 @@ void walk(const std::uint8_t* region, const Walk& w) {
 }
 
 void iterate_from(const std::uint8_t* region, const Walk& w, Input& in) {
-    static fuzz::Guarded copy(TARV_THROUGHPUT_KEY_SIZE);
+    static thread_local fuzz::Guarded copy(TARV_THROUGHPUT_KEY_SIZE);
     const TableInfo& t = info(w.keys);
     const std::uint8_t* prev = nullptr;
     if (in.u8() % 2u == 0) {
@@ -146,7 +146,7 @@ void check_read(const std::uint8_t* region, Table data, std::uint32_t slot, cons
 }
 
 void read_mep(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded record(TARV_MEP_RECORD_SIZE);
+    static thread_local fuzz::Guarded record(TARV_MEP_RECORD_SIZE);
     const TARV_MOID k = read_key<TARV_MOID>(region, Table::MepMoidArray, in);
     std::uint8_t* out = record.take(TARV_MEP_RECORD_SIZE);
     CALL(Tarv__ReadMEP, (k, out));
@@ -156,7 +156,7 @@ void read_mep(std::uint8_t* region, Input& in) {
 }
 
 void mep_index(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded index(sizeof(std::uint16_t));
+    static thread_local fuzz::Guarded index(sizeof(std::uint16_t));
     const TARV_MOID k = read_key<TARV_MOID>(region, Table::MepOldMoidArray, in);
     const bool null_index = in.u8() % 2u != 0;
     std::uint8_t* out = index.take(sizeof(std::uint16_t));
@@ -172,7 +172,7 @@ void mep_index(std::uint8_t* region, Input& in) {
 }
 
 void read_manet(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded record(TARV_MANET_RECORD_SIZE);
+    static thread_local fuzz::Guarded record(TARV_MANET_RECORD_SIZE);
     const TARV_MANET_KEY k = read_key<TARV_MANET_KEY>(region, Table::MaNetMoidArray, in);
     const std::uint32_t slot = fuzz::expected_slot(region, Table::MaNetMoidArray, reinterpret_cast<const std::uint8_t*>(&k));
     if (CALL(Tarv__DoesMANetExist, (k)) != (slot == kNotFound ? 0u : 1u)) fuzz::fail(kTarget, "Tarv__DoesMANetExist: wrong answer");
@@ -182,7 +182,7 @@ void read_manet(std::uint8_t* region, Input& in) {
 }
 
 void read_notification(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded record(TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE);
+    static thread_local fuzz::Guarded record(TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE);
     const TARV_MOID k = read_key<TARV_MOID>(region, Table::BandwidthNotificationMoidArray, in);
     std::uint8_t* out = record.take(TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE);
     CALL(Tarv__ReadBandwidthNotification, (k, out));
@@ -195,7 +195,7 @@ void read_notification(std::uint8_t* region, Input& in) {
 }
 
 void read_throughput(std::uint8_t* region, Input& in) {
-    static fuzz::Guarded record(TARV_THROUGHPUT_RECORD_SIZE);
+    static thread_local fuzz::Guarded record(TARV_THROUGHPUT_RECORD_SIZE);
     const TARV_THROUGHPUT_KEY k = read_key<TARV_THROUGHPUT_KEY>(region, Table::ThroughputMoidArray, in);
     std::uint8_t* out = record.take(TARV_THROUGHPUT_RECORD_SIZE);
     CALL(Tarv__ReadThroughputEntry, (k, out));

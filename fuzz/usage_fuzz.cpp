@@ -164,7 +164,7 @@ void check_handed_out(const std::uint8_t* region, Table keys, Table data, std::u
 }
 
 void find_down_mep(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded index_buffer(4), moid_buffer(TARV_MOID_SIZE), record_buffer(TARV_MEP_RECORD_SIZE);
+    static thread_local fuzz::Guarded index_buffer(4), moid_buffer(TARV_MOID_SIZE), record_buffer(TARV_MEP_RECORD_SIZE);
     const std::int32_t slot = in.signed_number();
     const std::int32_t port = in.signed_number();
     const std::int32_t cvid = in.signed_number();
@@ -184,7 +184,7 @@ void find_down_mep(const std::uint8_t* region, Input& in) {
 }
 
 void mip_on_cvlan(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded moid_buffer(TARV_MOID_SIZE), record_buffer(TARV_MIP_RECORD_SIZE);
+    static thread_local fuzz::Guarded moid_buffer(TARV_MOID_SIZE), record_buffer(TARV_MIP_RECORD_SIZE);
     const std::int32_t slot = in.signed_number();
     const std::int32_t port = in.signed_number();
     const std::int32_t cvid = in.signed_number();
@@ -202,7 +202,7 @@ void mip_on_cvlan(const std::uint8_t* region, Input& in) {
 }
 
 void lag(Input& in) {
-    static fuzz::Guarded period(4);
+    static thread_local fuzz::Guarded period(4);
     const std::int32_t lag_id = in.signed_number();
     std::uint8_t* out = period.take(4);
     const std::uint32_t answer = CALL(Tarv__IsOamEnabledOnLagOpt, (lag_id, reinterpret_cast<std::uint32_t*>(out)));
@@ -256,7 +256,7 @@ constexpr fuzz::Op kOps[] = {
     {[](std::uint8_t* r, Input& in) { find_down_mep(r, in); }},
     {[](std::uint8_t* r, Input& in) { mip_on_cvlan(r, in); }},
     {[](std::uint8_t*, Input& in) { lag(in); }},
-    {resources},
+    {resources, fuzz::kWrites},  // empties a MEP slot meanwhile
 };
 
 }  // namespace

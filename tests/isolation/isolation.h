@@ -7,15 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
 
-#include "fuzz_support.h"
+#include "support/operations.h"
 
 namespace tarv::testing {
 
@@ -31,32 +25,6 @@ inline constexpr TraceSetting kTraceSettings[] = {
     {"traces off", 0, true},
     {"no trace object", 7, false},
 };
-
-struct Replay {
-    const fuzz::Target* target;
-    std::string name;  // target/file
-    std::vector<std::uint8_t> bytes;
-};
-
-// Every committed input, read once, in target and file name order.
-inline const std::vector<Replay>& corpus() {
-    static const std::vector<Replay> inputs = [] {
-        std::vector<Replay> out;
-        for (const fuzz::Target* t : fuzz::all_targets) {
-            std::vector<std::filesystem::path> files;
-            for (const auto& e : std::filesystem::directory_iterator(std::string(TARV_FUZZ_CORPUS "/") + t->name))
-                files.push_back(e.path());
-            std::sort(files.begin(), files.end());
-            for (const auto& f : files) {
-                std::ifstream in(f, std::ios::binary);
-                out.push_back({t, std::string(t->name) + "/" + f.filename().string(),
-                               {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()}});
-            }
-        }
-        return out;
-    }();
-    return inputs;
-}
 
 // The functions the replays called with the regions attached and detached.
 inline fuzz::Tally g_attached_calls, g_detached_calls;
@@ -94,10 +62,10 @@ protected:
         fake().set_module_level(setting.level);
         fake().module_object_missing = !setting.module_object;
         fuzz::tally = &g_attached_calls;
-        fuzz::run_ops(*r.target, region_, ops, true);
+        fuzz::run_ops(*r.target, region_, ops);
         pSharedData = pStorData = pChkpData = nullptr;
         fuzz::tally = &g_detached_calls;
-        fuzz::run_ops(*r.target, region_, ops, false);
+        fuzz::run_ops(*r.target, region_, ops, fuzz::kAttaches);
         fuzz::tally = nullptr;
         pSharedData = pStorData = region_;
         pChkpData = checkpoint_;
