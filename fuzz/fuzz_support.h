@@ -29,6 +29,7 @@
 #include <cstring>
 #include <span>
 #include <string_view>
+#include <type_traits>
 
 #include "byteorder.h"
 #include "platform/prtm.h"
@@ -116,20 +117,24 @@ inline void note(std::string_view function) noexcept {
 // Where this thread folds the values the calls return (FNV-1a) while set,
 // for comparing the same operations run in several threads.
 inline thread_local std::uint64_t* answers = nullptr;
-struct Answer {};
-template <typename T>
-T operator,(T value, Answer) noexcept {
-    if (answers != nullptr) {
+
+template <typename F>
+auto call(std::string_view function, F f) {
+    note(function);
+    if constexpr (std::is_void_v<std::invoke_result_t<F>>) {
+        f();
+    } else {
+        const auto value = f();
         std::uint64_t bits = 0;
         std::memcpy(&bits, &value, sizeof value < sizeof bits ? sizeof value : sizeof bits);
-        *answers = (*answers ^ bits) * 1099511628211u;
+        if (answers != nullptr) *answers = (*answers ^ bits) * 1099511628211u;
+        return value;
     }
-    return value;
 }
 
 // Every call of the targets into the library: function, then its arguments
 // in parentheses.
-#define CALL(function, args) (::tarv::fuzz::note(#function), (function args, ::tarv::fuzz::Answer{}))
+#define CALL(function, args) ::tarv::fuzz::call(#function, [&] { return function args; })
 
 inline bool is_private(Table t) {
     return t == Table::Private1 || t == Table::Private2 || t == Table::Private3 || t == Table::Private4;
