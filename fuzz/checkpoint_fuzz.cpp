@@ -3,7 +3,7 @@
 //
 // The first input byte's bit 0 set: no trace statement runs, else every one
 // does. Then each operation is read from the input:
-//   op:u8 % kOperations
+//   op:u8 % 4
 //   0  Tarv__ChkpOpen; flag:u8 bit 0 set: the platform refuses the region
 //   1  Tarv__GetChkpData: section:u32, length (Input::number), flag:u8
 //      (bit 0: null pData)
@@ -27,11 +27,9 @@ namespace {
 using namespace tarv;
 using tarv::fuzz::Input;
 
-constexpr char kTarget[] = "checkpoint_fuzz";
-constexpr unsigned kOperations = 4;
+constexpr char kTarget[] = "checkpoint";
 constexpr std::uint32_t kSize = TARV_CHKP_DATA_SIZE;
 
-// What the region holds and whether the process has it attached.
 struct Model {
     std::uint8_t record[kSize] = {};
     std::uint8_t* attached = nullptr;
@@ -40,7 +38,7 @@ struct Model {
 void open(Model& m, Input& in) {
     auto& f = testing::fake();
     f.shm_succeeds = (in.u8() & 1u) == 0;
-    Tarv__ChkpOpen();
+    CALL(Tarv__ChkpOpen, ());
     f.shm_succeeds = true;
     if (m.attached == nullptr && pChkpData != nullptr) {
         // A first attach maps the region as the platform keeps it.
@@ -51,14 +49,14 @@ void open(Model& m, Input& in) {
 }
 
 void get(const Model& m, Input& in) {
-    static fuzz::Guarded value_buffer(2), data_buffer(kSize);
+    static thread_local fuzz::Guarded value_buffer(2), data_buffer(kSize);
     const std::uint32_t section = in.u32();
     const auto length = static_cast<std::int32_t>(in.number());
     const bool null_data = (in.u8() & 1u) != 0;
     const std::size_t size = length < 0 ? kSize : std::min<std::size_t>(static_cast<std::uint32_t>(length), kSize);
     std::uint8_t* value = value_buffer.take(2);
     std::uint8_t* data = data_buffer.take(size);
-    Tarv__GetChkpData(section, reinterpret_cast<std::uint16_t*>(value), null_data ? nullptr : data, length);
+    CALL(Tarv__GetChkpData, (section, reinterpret_cast<std::uint16_t*>(value), null_data ? nullptr : data, length));
 
     std::uint16_t value_now = 0;
     std::memcpy(&value_now, value, 2);
@@ -70,7 +68,7 @@ void get(const Model& m, Input& in) {
 }
 
 void set(Model& m, Input& in) {
-    static fuzz::Guarded data_buffer(kSize);
+    static thread_local fuzz::Guarded data_buffer(kSize);
     const std::uint32_t section = TARV_CHKP_SECTION_ID + in.u8() % 3u - 1u;
     const auto value = static_cast<std::uint16_t>(in.u8() % 3u);
     const auto length = static_cast<std::int32_t>(in.number());
@@ -79,7 +77,7 @@ void set(Model& m, Input& in) {
     const std::size_t size = length > 0 && static_cast<std::uint32_t>(length) <= kSize ? static_cast<std::size_t>(length) : 0;
     std::uint8_t* data = data_buffer.take(size);
     in.bytes(data, size);
-    Tarv__SetChkpData(section, value, size == 0 && in.u8() % 2u == 0 ? nullptr : data, length);
+    CALL(Tarv__SetChkpData, (section, value, size == 0 && in.u8() % 2u == 0 ? nullptr : data, length));
     if (section == TARV_CHKP_SECTION_ID && value == TARV_CHKP_SECTION_VALUE && m.attached != nullptr &&
         static_cast<std::uint32_t>(length) <= kSize)
         std::memcpy(m.record, data, size);
@@ -87,27 +85,31 @@ void set(Model& m, Input& in) {
         fuzz::fail(kTarget, "Tarv__SetChkpData: the record differs from what was written");
 }
 
+// What the region holds and whether the process has it attached.
+Model g_model;
+
+// Every input starts detached; the region the platform keeps survives. A
+// replay without comparisons keeps the attachment it is given.
+bool prepare(Input& in, std::uint8_t*&) {
+    testing::fake().keep_traces = false;
+    if (fuzz::checking) pChkpData = nullptr;
+    g_model.attached = pChkpData;
+    fuzz::set_traces((in.u8() & 1u) == 0);
+    return true;
+}
+
+constexpr fuzz::Op kOps[] = {
+    {[](std::uint8_t*, Input& in) { open(g_model, in); }, fuzz::kAttaches},
+    {[](std::uint8_t*, Input& in) { get(g_model, in); }},
+    {[](std::uint8_t*, Input& in) { set(g_model, in); }, fuzz::kWrites},
+    {[](std::uint8_t*, Input&) {
+        if (!fuzz::checking) return;  // a replay keeps its attachment
+        pChkpData = nullptr;
+        g_model.attached = nullptr;
+    }, fuzz::kAttaches},
+};
+
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    testing::fake().keep_traces = false;
-    // Every input starts detached; the region the platform keeps survives.
-    static Model m;
-    m.attached = nullptr;
-    pChkpData = nullptr;
-    Input in(data, size);
-    fuzz::set_traces((in.u8() & 1u) == 0);
-    for (int ops = 0; ops < 64 && !in.empty(); ++ops) {
-        switch (in.u8() % kOperations) {
-            case 0: open(m, in); break;
-            case 1: get(m, in); break;
-            case 2: set(m, in); break;
-            case 3:
-                pChkpData = nullptr;
-                m.attached = nullptr;
-                break;
-        }
-    }
-    fuzz::check_traces(kTarget);
-    return 0;
-}
+const tarv::fuzz::Target tarv::fuzz::checkpoint_target{kTarget, prepare, kOps, {}};
+TARV_FUZZ_ENTRY(checkpoint_target)

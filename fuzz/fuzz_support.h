@@ -11,6 +11,11 @@
 //                length:u8, then min(length, entry size) bytes written at
 //                the start of that entry (the rest of it stays zero).
 // Each target reads its operations from what follows.
+//
+// A target is a table (Target): how an input prepares the region and the
+// platform, and its operations, one chosen by each operation byte. The same
+// tables replay the committed inputs in the isolation checks, there with
+// every comparison off (`checking` false), attached and not.
 #ifndef TARV_FUZZ_SUPPORT_H
 #define TARV_FUZZ_SUPPORT_H
 
@@ -23,6 +28,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <span>
+#include <string_view>
+#include <type_traits>
 
 #include "byteorder.h"
 #include "platform/prtm.h"
@@ -39,6 +46,10 @@ public:
     Input(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
 
     [[nodiscard]] bool empty() const noexcept { return at_ >= size_; }
+    // What is left of the input, not consumed.
+    [[nodiscard]] std::span<const std::uint8_t> rest() const noexcept {
+        return {data_ + (at_ < size_ ? at_ : size_), at_ < size_ ? size_ - at_ : 0};
+    }
     std::uint8_t u8() noexcept { return at_ < size_ ? data_[at_++] : 0; }
     std::uint16_t u16() noexcept {
         std::uint8_t b[2];
@@ -72,10 +83,58 @@ private:
     std::size_t at_ = 0;
 };
 
-[[noreturn]] inline void fail(const char* target, const char* what) {
+// False while the isolation checks replay inputs: the targets then only
+// call the library, and a failed comparison is not a fault.
+inline bool checking = true;
+
+inline void fail(const char* target, const char* what) {
+    if (!checking) return;
     std::fprintf(stderr, "%s: %s\n", target, what);
     std::abort();
 }
+
+// The exported functions called so far, for the isolation checks to prove
+// that the replayed inputs call every one; counted only while `tally` is set.
+struct Tally {
+    std::string_view names[64];
+    std::size_t size = 0;
+    void add(std::string_view name) noexcept {
+        for (std::size_t i = 0; i < size; ++i)
+            if (names[i] == name) return;
+        if (size < std::size(names)) names[size++] = name;
+    }
+    [[nodiscard]] bool has(std::string_view name) const noexcept {
+        for (std::size_t i = 0; i < size; ++i)
+            if (names[i] == name) return true;
+        return false;
+    }
+};
+inline Tally* tally = nullptr;
+inline void note(std::string_view function) noexcept {
+    if (tally != nullptr) tally->add(function);
+}
+
+// Where this thread folds the values the calls return (FNV-1a) while set,
+// for comparing the same operations run in several threads.
+inline thread_local std::uint64_t* answers = nullptr;
+
+template <typename F>
+auto call(std::string_view function, F f) {
+    note(function);
+    if constexpr (std::is_void_v<std::invoke_result_t<F>>) {
+        f();
+    } else {
+        const auto value = f();
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &value, sizeof value < sizeof bits ? sizeof value : sizeof bits);
+        if (answers != nullptr) *answers = (*answers ^ bits) * 1099511628211u;
+        return value;
+    }
+}
+
+// Every call of the targets into the library: function, then its arguments
+// in parentheses.
+#define CALL(function, args) ::tarv::fuzz::call(#function, [&] { return function args; })
 
 inline bool is_private(Table t) {
     return t == Table::Private1 || t == Table::Private2 || t == Table::Private3 || t == Table::Private4;
@@ -90,18 +149,18 @@ inline std::uint8_t* attached_region(bool read_write) {
     static std::uint8_t* region = [read_write] {
         testing::fake().keep_traces = false;
         if (read_write)
-            Tarv__StorOpen();
+            CALL(Tarv__StorOpen, ());
         else
-            Tarv__Open();
+            CALL(Tarv__Open, ());
         std::uint8_t* base = pSharedData;
-        if (base == nullptr) fail("fuzz", "attach failed");
+        if (base == nullptr) std::abort();  // the fake platform refused the region
         const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
         for (const TableInfo& t : kDirectory) {
             if (!is_private(t.id)) continue;
             const auto first = (reinterpret_cast<std::uintptr_t>(base) + t.base + page - 1) / page * page;
             const auto end = (reinterpret_cast<std::uintptr_t>(base) + t.end()) / page * page;
             if (end > first && mprotect(reinterpret_cast<void*>(first), end - first, PROT_NONE) != 0)
-                fail("fuzz", "mprotect of a private range failed");
+                std::abort();
         }
         return base;
     }();
@@ -179,7 +238,7 @@ public:
     static constexpr std::uint8_t kFill = 0xA5;
     explicit Guarded(std::size_t capacity) : bytes_(capacity) {}
     std::uint8_t* take(std::size_t n) {
-        if (n > bytes_.size()) fail("fuzz", "buffer larger than its mapping");
+        if (n > bytes_.size()) std::abort();  // a buffer larger than its mapping
         std::uint8_t* p = bytes_.data() + bytes_.size() - n;
         std::memset(p, kFill, n);
         return p;
@@ -213,6 +272,59 @@ inline void check_traces(const char* target) {
     if (testing::fake().unpaired_count != 0) fail(target, "a trace print outside WQ_beginImpl / WQ_endImpl");
 }
 
+// One operation of a target: reads its arguments from the input and calls
+// the library. What it does besides reading decides where it may run.
+enum Effect : unsigned { kReads = 0, kAttaches = 1, kWrites = 2 };
+struct Op {
+    void (*run)(std::uint8_t* region, Input& in);
+    unsigned effect = kReads;
+};
+
+struct Target {
+    const char* name;  // also the name of its corpus directory
+    // Attaches, sets the region's tables, the platform and the trace levels
+    // from the start of the input; false when the input cannot run here.
+    bool (*prepare)(Input& in, std::uint8_t*& region);
+    std::span<const Op> ops;         // op:u8 % size picks one, up to 64 times
+    std::span<const Op> each_input;  // run once each, in order, before those
+};
+
+// Runs the operations of a prepared input but those with an effect in
+// `skip`: a replay without the regions attached leaves out the attach calls,
+// which would really attach; one beside other threads leaves out the writes.
+inline void run_ops(const Target& t, std::uint8_t* region, Input in, unsigned skip = 0) {
+    for (const Op& op : t.each_input)
+        if ((op.effect & skip) == 0) op.run(region, in);
+    for (int n = 0; n < 64 && !t.ops.empty() && !in.empty(); ++n) {
+        const Op& op = t.ops[in.u8() % t.ops.size()];
+        if ((op.effect & skip) == 0) op.run(region, in);
+    }
+}
+
+inline int run(const Target& t, const std::uint8_t* data, std::size_t size) {
+    Input in(data, size);
+    std::uint8_t* region = nullptr;
+    if (!t.prepare(in, region)) return 0;
+    run_ops(t, region, in);
+    check_traces(t.name);
+    return 0;
+}
+
+extern const Target config_target, readers_target, usage_target, alarms_target, checkpoint_target, pm_record_target;
+inline const Target* const all_targets[] = {&config_target, &readers_target,    &usage_target,
+                                            &alarms_target, &checkpoint_target, &pm_record_target};
+
 }  // namespace tarv::fuzz
+
+// The libFuzzer entry point of a target; the isolation checks link every
+// target and define TARV_FUZZ_NO_ENTRY.
+#ifdef TARV_FUZZ_NO_ENTRY
+#define TARV_FUZZ_ENTRY(target)
+#else
+#define TARV_FUZZ_ENTRY(target)                                                        \
+    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) { \
+        return ::tarv::fuzz::run(::tarv::fuzz::target, data, size);                    \
+    }
+#endif
 
 #endif

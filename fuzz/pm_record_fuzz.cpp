@@ -16,13 +16,12 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "byteorder.h"
-#include "support/guard_page.h"
-#include "tarv/tarv.h"
+#include "fuzz_support.h"
 
 namespace {
 
 using tarv::load_le;
+using tarv::fuzz::Input;
 using tarv::testing::GuardedBytes;
 
 constexpr std::uint8_t kUntouched = 0xA5;
@@ -74,11 +73,13 @@ void spread(std::uint8_t* out, std::size_t n, const std::uint8_t* data, std::siz
 }
 
 template <typename Ms, typename Im>
-void check_im_to_ms(const Kind& k, const std::uint8_t* data, std::size_t size, void (*convert)(Ms*, const Im*)) {
-    static GuardedBytes im(k.im_size), ms(k.ms_size);  // one pair per record kind
-    spread(im.data(), k.im_size, data, size);
+void check_im_to_ms(const Kind& k, const Input& in, void (*convert)(Ms*, const Im*), const char* name) {
+    static thread_local GuardedBytes im(k.im_size), ms(k.ms_size);  // one pair per record kind
+    spread(im.data(), k.im_size, in.rest().data(), in.rest().size());
     ms.fill(kUntouched);
+    tarv::fuzz::note(name);
     convert(reinterpret_cast<Ms*>(ms.data()), reinterpret_cast<const Im*>(im.data()));
+    if (!tarv::fuzz::checking) return;
 
     std::uint8_t expected[256];
     std::memset(expected, kUntouched, k.ms_size);
@@ -96,11 +97,13 @@ void check_im_to_ms(const Kind& k, const std::uint8_t* data, std::size_t size, v
 }
 
 template <typename Im, typename Ms>
-void check_ms_to_im(const Kind& k, const std::uint8_t* data, std::size_t size, void (*convert)(Im*, const Ms*)) {
-    static GuardedBytes ms(k.ms_size), im(k.im_size);  // one pair per record kind
-    spread(ms.data(), k.ms_size, data, size);
+void check_ms_to_im(const Kind& k, const Input& in, void (*convert)(Im*, const Ms*), const char* name) {
+    static thread_local GuardedBytes ms(k.ms_size), im(k.im_size);  // one pair per record kind
+    spread(ms.data(), k.ms_size, in.rest().data(), in.rest().size());
     im.fill(kUntouched);
+    tarv::fuzz::note(name);
     convert(reinterpret_cast<Im*>(im.data()), reinterpret_cast<const Ms*>(ms.data()));
+    if (!tarv::fuzz::checking) return;
 
     std::uint8_t expected[640];
     std::memset(expected, kUntouched, k.im_size);
@@ -124,17 +127,23 @@ void check_ms_to_im(const Kind& k, const std::uint8_t* data, std::size_t size, v
         if (im.data()[i] != expected[i]) fail("MS to IM differs from snprintf and the copies", i);
 }
 
+// The first input byte picks the locale; the records are made of the whole
+// input, that byte included.
+bool prepare(Input& in, std::uint8_t*&) {
+    const bool comma = !in.rest().empty() && (in.rest()[0] & 1u) != 0u;
+    return std::setlocale(LC_NUMERIC, comma ? "de_DE.UTF-8" : "C") != nullptr;
+}
+
+// Each conversion on the records the input makes, named for the tally.
+#define CONVERT(check, kind, function) {[](std::uint8_t*, Input& in) { check(kind, in, function, #function); }}
+constexpr tarv::fuzz::Op kEachInput[] = {
+    CONVERT(check_im_to_ms, kDm, Tarv__DMRecordIM2MS),
+    CONVERT(check_im_to_ms, kLm, Tarv__LMRecordIM2MS),
+    CONVERT(check_ms_to_im, kDm, Tarv__DMRecordMS2IM),
+    CONVERT(check_ms_to_im, kLm, Tarv__LMRecordMS2IM),
+};
+
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const bool comma = size > 0 && (data[0] & 1u) != 0u;
-    if (comma && std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr) return 0;
-
-    check_im_to_ms<DMRecordMS, DMRecordIM>(kDm, data, size, Tarv__DMRecordIM2MS);
-    check_im_to_ms<LMRecordMS, LMRecordIM>(kLm, data, size, Tarv__LMRecordIM2MS);
-    check_ms_to_im<DMRecordIM, DMRecordMS>(kDm, data, size, Tarv__DMRecordMS2IM);
-    check_ms_to_im<LMRecordIM, LMRecordMS>(kLm, data, size, Tarv__LMRecordMS2IM);
-
-    if (comma) std::setlocale(LC_NUMERIC, "C");
-    return 0;
-}
+const tarv::fuzz::Target tarv::fuzz::pm_record_target{"pm_record", prepare, {}, kEachInput};
+TARV_FUZZ_ENTRY(pm_record_target)

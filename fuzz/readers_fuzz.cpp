@@ -3,7 +3,7 @@
 //
 // The region's tables are filled from the input (fuzz_support.h), then each
 // operation is read from the rest of the input:
-//   op:u8 % kOperations
+//   op:u8 % 12
 //   0  walk the MEPs from the start, passing back every result
 //   1  Tarv__MEPMoidIterator from a previous MOID: source:u8, then a key
 //   2  Tarv__ReadMEP: key
@@ -32,8 +32,7 @@ using namespace tarv;
 using tarv::fuzz::Input;
 using tarv::fuzz::read_key;
 
-constexpr char kTarget[] = "readers_fuzz";
-constexpr unsigned kOperations = 12;
+constexpr char kTarget[] = "readers";
 
 constexpr Table kTables[] = {
     Table::MepMoidArray,         Table::MepDataArray,
@@ -50,15 +49,15 @@ struct Walk {
 };
 const Walk kMeps{Table::MepMoidArray, [](const std::uint8_t* p) {
                      return reinterpret_cast<const std::uint8_t*>(
-                         Tarv__MEPMoidIterator(reinterpret_cast<const TARV_MOID*>(p)));
+                         CALL(Tarv__MEPMoidIterator, (reinterpret_cast<const TARV_MOID*>(p))));
                  }};
 const Walk kNotifications{Table::BandwidthNotificationMoidArray, [](const std::uint8_t* p) {
                               return reinterpret_cast<const std::uint8_t*>(
-                                  Tarv__BandwidthNotificationMoidIterator(reinterpret_cast<const TARV_MOID*>(p)));
+                                  CALL(Tarv__BandwidthNotificationMoidIterator, (reinterpret_cast<const TARV_MOID*>(p))));
                           }};
 const Walk kThroughputs{Table::ThroughputMoidArray, [](const std::uint8_t* p) {
-                            return reinterpret_cast<const std::uint8_t*>(Tarv__ThroughputListMoidIterator(
-                                reinterpret_cast<const TARV_THROUGHPUT_KEY*>(p)));
+                            return reinterpret_cast<const std::uint8_t*>(
+                                CALL(Tarv__ThroughputListMoidIterator, (reinterpret_cast<const TARV_THROUGHPUT_KEY*>(p))));
                         }};
 
 bool slot_empty(const std::uint8_t* region, Table t, std::uint32_t slot) {
@@ -106,7 +105,7 @@ void walk(const std::uint8_t* region, const Walk& w) {
 }
 
 void iterate_from(const std::uint8_t* region, const Walk& w, Input& in) {
-    static fuzz::Guarded copy(TARV_THROUGHPUT_KEY_SIZE);
+    static thread_local fuzz::Guarded copy(TARV_THROUGHPUT_KEY_SIZE);
     const TableInfo& t = info(w.keys);
     const std::uint8_t* prev = nullptr;
     if (in.u8() % 2u == 0) {
@@ -146,23 +145,23 @@ void check_read(const std::uint8_t* region, Table data, std::uint32_t slot, cons
         fuzz::fail(kTarget, what);
 }
 
-void read_mep(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded record(TARV_MEP_RECORD_SIZE);
+void read_mep(std::uint8_t* region, Input& in) {
+    static thread_local fuzz::Guarded record(TARV_MEP_RECORD_SIZE);
     const TARV_MOID k = read_key<TARV_MOID>(region, Table::MepMoidArray, in);
     std::uint8_t* out = record.take(TARV_MEP_RECORD_SIZE);
-    Tarv__ReadMEP(k, out);
+    CALL(Tarv__ReadMEP, (k, out));
     check_read(region, Table::MepDataArray,
                fuzz::expected_slot(region, Table::MepMoidArray, reinterpret_cast<const std::uint8_t*>(&k)), out,
                "Tarv__ReadMEP copied the wrong bytes");
 }
 
-void mep_index(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded index(sizeof(std::uint16_t));
+void mep_index(std::uint8_t* region, Input& in) {
+    static thread_local fuzz::Guarded index(sizeof(std::uint16_t));
     const TARV_MOID k = read_key<TARV_MOID>(region, Table::MepOldMoidArray, in);
     const bool null_index = in.u8() % 2u != 0;
     std::uint8_t* out = index.take(sizeof(std::uint16_t));
     const std::int32_t result =
-        Tarv__GetMepIndexFromOldMoid(k, null_index ? nullptr : reinterpret_cast<std::uint16_t*>(out));
+        CALL(Tarv__GetMepIndexFromOldMoid, (k, null_index ? nullptr : reinterpret_cast<std::uint16_t*>(out)));
     const std::uint32_t slot =
         null_index ? kNotFound : fuzz::expected_slot(region, Table::MepOldMoidArray, reinterpret_cast<const std::uint8_t*>(&k));
     if (result != (slot == kNotFound ? -1 : 0)) fuzz::fail(kTarget, "Tarv__GetMepIndexFromOldMoid: wrong result");
@@ -172,21 +171,21 @@ void mep_index(const std::uint8_t* region, Input& in) {
         fuzz::fail(kTarget, "Tarv__GetMepIndexFromOldMoid: wrong index");
 }
 
-void read_manet(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded record(TARV_MANET_RECORD_SIZE);
+void read_manet(std::uint8_t* region, Input& in) {
+    static thread_local fuzz::Guarded record(TARV_MANET_RECORD_SIZE);
     const TARV_MANET_KEY k = read_key<TARV_MANET_KEY>(region, Table::MaNetMoidArray, in);
     const std::uint32_t slot = fuzz::expected_slot(region, Table::MaNetMoidArray, reinterpret_cast<const std::uint8_t*>(&k));
-    if (Tarv__DoesMANetExist(k) != (slot == kNotFound ? 0u : 1u)) fuzz::fail(kTarget, "Tarv__DoesMANetExist: wrong answer");
+    if (CALL(Tarv__DoesMANetExist, (k)) != (slot == kNotFound ? 0u : 1u)) fuzz::fail(kTarget, "Tarv__DoesMANetExist: wrong answer");
     std::uint8_t* out = record.take(TARV_MANET_RECORD_SIZE);
-    Tarv__ReadMANet(k, out);
+    CALL(Tarv__ReadMANet, (k, out));
     check_read(region, Table::MaNetDataArray, slot, out, "Tarv__ReadMANet copied the wrong bytes");
 }
 
-void read_notification(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded record(TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE);
+void read_notification(std::uint8_t* region, Input& in) {
+    static thread_local fuzz::Guarded record(TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE);
     const TARV_MOID k = read_key<TARV_MOID>(region, Table::BandwidthNotificationMoidArray, in);
     std::uint8_t* out = record.take(TARV_BANDWIDTH_NOTIFICATION_RECORD_SIZE);
-    Tarv__ReadBandwidthNotification(k, out);
+    CALL(Tarv__ReadBandwidthNotification, (k, out));
     // No hint: the first slot from 0 that holds the key.
     std::uint32_t slot = 0;
     while (slot < 32 && std::memcmp(entry(region, Table::BandwidthNotificationMoidArray, slot), &k, sizeof k) != 0)
@@ -195,11 +194,11 @@ void read_notification(const std::uint8_t* region, Input& in) {
                "Tarv__ReadBandwidthNotification copied the wrong bytes");
 }
 
-void read_throughput(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded record(TARV_THROUGHPUT_RECORD_SIZE);
+void read_throughput(std::uint8_t* region, Input& in) {
+    static thread_local fuzz::Guarded record(TARV_THROUGHPUT_RECORD_SIZE);
     const TARV_THROUGHPUT_KEY k = read_key<TARV_THROUGHPUT_KEY>(region, Table::ThroughputMoidArray, in);
     std::uint8_t* out = record.take(TARV_THROUGHPUT_RECORD_SIZE);
-    Tarv__ReadThroughputEntry(k, out);
+    CALL(Tarv__ReadThroughputEntry, (k, out));
     check_read(region, Table::ThroughputDataArray,
                fuzz::expected_slot(region, Table::ThroughputMoidArray, reinterpret_cast<const std::uint8_t*>(&k)),
                out, "Tarv__ReadThroughputEntry copied the wrong bytes");
@@ -207,7 +206,7 @@ void read_throughput(const std::uint8_t* region, Input& in) {
 
 // With unique keys: 1 exactly when some test's record has eEnableStatus 2.
 void enable_status(const std::uint8_t* region) {
-    const std::uint32_t answer = Tarv_GetEnableStatusofThroughput();
+    const std::uint32_t answer = CALL(Tarv_GetEnableStatusofThroughput, ());
     if (answer > 1) fuzz::fail(kTarget, "Tarv_GetEnableStatusofThroughput: not 0 or 1");
     if (!keys_unique(region, Table::ThroughputMoidArray)) return;
     std::uint32_t enabled = 0;
@@ -220,28 +219,28 @@ void enable_status(const std::uint8_t* region) {
     if (answer != enabled) fuzz::fail(kTarget, "Tarv_GetEnableStatusofThroughput: wrong answer");
 }
 
+bool prepare(Input& in, std::uint8_t*& region) {
+    region = fuzz::attached_region(/*read_write=*/false);
+    fuzz::fill_region(region, kTables, in);
+    return true;
+}
+
+constexpr fuzz::Op kOps[] = {
+    {[](std::uint8_t* r, Input&) { walk(r, kMeps); }},
+    {[](std::uint8_t* r, Input& in) { iterate_from(r, kMeps, in); }},
+    {read_mep},
+    {mep_index},
+    {read_manet},
+    {[](std::uint8_t* r, Input&) { walk(r, kNotifications); }},
+    {[](std::uint8_t* r, Input& in) { iterate_from(r, kNotifications, in); }},
+    {read_notification},
+    {[](std::uint8_t* r, Input&) { walk(r, kThroughputs); }},
+    {[](std::uint8_t* r, Input& in) { iterate_from(r, kThroughputs, in); }},
+    {read_throughput},
+    {[](std::uint8_t* r, Input&) { enable_status(r); }},
+};
+
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::uint8_t* region = fuzz::attached_region(/*read_write=*/false);
-    Input in(data, size);
-    fuzz::fill_region(region, kTables, in);
-    for (int ops = 0; ops < 64 && !in.empty(); ++ops) {
-        switch (in.u8() % kOperations) {
-            case 0: walk(region, kMeps); break;
-            case 1: iterate_from(region, kMeps, in); break;
-            case 2: read_mep(region, in); break;
-            case 3: mep_index(region, in); break;
-            case 4: read_manet(region, in); break;
-            case 5: walk(region, kNotifications); break;
-            case 6: iterate_from(region, kNotifications, in); break;
-            case 7: read_notification(region, in); break;
-            case 8: walk(region, kThroughputs); break;
-            case 9: iterate_from(region, kThroughputs, in); break;
-            case 10: read_throughput(region, in); break;
-            case 11: enable_status(region); break;
-        }
-    }
-    fuzz::check_traces(kTarget);
-    return 0;
-}
+const tarv::fuzz::Target tarv::fuzz::readers_target{kTarget, prepare, kOps, {}};
+TARV_FUZZ_ENTRY(readers_target)

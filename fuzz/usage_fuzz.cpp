@@ -5,7 +5,7 @@
 // The MEP, MIP, MA component and MaNet tables are filled from the input
 // (fuzz_support.h), then the platform's answers (fuzz::set_platform: LAG
 // member lists of any count), then each operation is read from the rest:
-//   op:u8 % kOperations, then its arguments, each an Input::number (any
+//   op:u8 % 22, then its arguments, each an Input::number (any
 //   32-bit value, negative ones included), a MOID as fuzz::read_key reads it
 //   and a flag as a u8.
 // Every query must answer one of its two values; presence on a port and the
@@ -26,8 +26,7 @@ namespace {
 using namespace tarv;
 using tarv::fuzz::Input;
 
-constexpr char kTarget[] = "usage_fuzz";
-constexpr unsigned kOperations = 22;
+constexpr char kTarget[] = "usage";
 
 constexpr Table kTables[] = {
     Table::MepMoidArray,    Table::MepDataArray,    Table::MipMoidArray,   Table::MipDataArray,
@@ -63,9 +62,9 @@ void presence(const std::uint8_t* region, std::uint8_t which, Input& in) {
     const std::int32_t port = in.signed_number();
     std::uint32_t answer = 0;
     switch (which % 3) {
-        case 0: answer = Tarv__IsOamEnabledOnPort(slot, port); break;
-        case 1: answer = Tarv__IsOamEnabledOnPortOpt(slot, port); break;
-        default: answer = Tarv__IsMPEnabledOnPort(slot, port); break;
+        case 0: answer = CALL(Tarv__IsOamEnabledOnPort, (slot, port)); break;
+        case 1: answer = CALL(Tarv__IsOamEnabledOnPortOpt, (slot, port)); break;
+        default: answer = CALL(Tarv__IsMPEnabledOnPort, (slot, port)); break;
     }
     if (answer != (point_on_port(region, slot, port, which % 3 == 0) ? 1u : 0u))
         fuzz::fail(kTarget, "presence on a port: wrong answer");
@@ -76,9 +75,9 @@ void switch_wide(const std::uint8_t* region, std::uint8_t which, Input& in) {
     const std::uint32_t tagging[] = {macomp::kSVlan, macomp::kVfi, macomp::kCVlan};
     std::uint32_t answer = 0;
     switch (which % 3) {
-        case 0: answer = Tarv__IsOamEnabledOnSVlan(id); break;
-        case 1: answer = Tarv__IsOamEnabledOnVfi(id); break;
-        default: answer = Tarv__IsOamEnabledOnCVlan(id); break;
+        case 0: answer = CALL(Tarv__IsOamEnabledOnSVlan, (id)); break;
+        case 1: answer = CALL(Tarv__IsOamEnabledOnVfi, (id)); break;
+        default: answer = CALL(Tarv__IsOamEnabledOnCVlan, (id)); break;
     }
     std::uint32_t expected = 0;
     for (std::uint32_t j = 0; j < 32; ++j) {
@@ -95,17 +94,17 @@ void vlan_on_port(std::uint8_t which, Input& in) {
     const std::int32_t port = in.signed_number();
     const std::int32_t vid = in.signed_number();
     switch (which % 6) {
-        case 0: expect_flag(Tarv__IsOamEnabledOnMIPPortSVlan(slot, port, vid), "MIP S-VLAN"); break;
-        case 1: expect_flag(Tarv__IsOamEnabledOnPortSVlan(slot, port, vid), "port S-VLAN"); break;
-        case 2: expect_flag(Tarv__IsOamEnabledOnPortVfi(slot, port, vid), "port VFI"); break;
-        case 3: expect_flag(Tarv__IsOamEnabledOnCVlanPort(slot, port, vid), "C-VLAN port"); break;
+        case 0: expect_flag(CALL(Tarv__IsOamEnabledOnMIPPortSVlan, (slot, port, vid)), "MIP S-VLAN"); break;
+        case 1: expect_flag(CALL(Tarv__IsOamEnabledOnPortSVlan, (slot, port, vid)), "port S-VLAN"); break;
+        case 2: expect_flag(CALL(Tarv__IsOamEnabledOnPortVfi, (slot, port, vid)), "port VFI"); break;
+        case 3: expect_flag(CALL(Tarv__IsOamEnabledOnCVlanPort, (slot, port, vid)), "C-VLAN port"); break;
         case 4:
-            expect_flag(static_cast<std::uint32_t>(Tarv__IsVidTranslationUsedByOam(slot, port, vid)), "translation");
+            expect_flag(static_cast<std::uint32_t>(CALL(Tarv__IsVidTranslationUsedByOam, (slot, port, vid))), "translation");
             break;
         default: {
             const std::int32_t svid = in.signed_number();
             const std::uint8_t flag = in.u8();
-            expect_flag(Tarv__IsCVidRegistrationsUsedByOam(slot, port, vid, svid, 0, 0, flag), "registration");
+            expect_flag(CALL(Tarv__IsCVidRegistrationsUsedByOam, (slot, port, vid, svid, 0, 0, flag)), "registration");
         }
     }
 }
@@ -114,7 +113,7 @@ void mep_on_port(const std::uint8_t* region, Input& in) {
     const std::int32_t slot = in.signed_number();
     const std::int32_t port = in.signed_number();
     const TARV_MOID moid = fuzz::read_key<TARV_MOID>(region, Table::MepMoidArray, in);
-    expect_flag(Tarv__IsOamEnabledForMepOnPort(slot, port, moid), "Tarv__IsOamEnabledForMepOnPort");
+    expect_flag(CALL(Tarv__IsOamEnabledForMepOnPort, (slot, port, moid)), "Tarv__IsOamEnabledForMepOnPort");
 }
 
 void check_tagging(Input& in) {
@@ -122,7 +121,7 @@ void check_tagging(Input& in) {
     const std::uint32_t port = in.number();
     const std::uint32_t vid = in.number();
     const std::uint32_t mode = in.number();
-    const std::uint32_t answer = Tarv__CheckTagging(slot, port, vid, mode);
+    const std::uint32_t answer = CALL(Tarv__CheckTagging, (slot, port, vid, mode));
     if (answer != 0 && (answer != TARV_TAGGING_CONFLICT || vid == 0 || mode != 0))
         fuzz::fail(kTarget, "Tarv__CheckTagging: wrong answer");
 }
@@ -135,14 +134,14 @@ void range_finder(std::uint8_t which, Input& in) {
     std::uint32_t answer = 0;
     bool nothing_to_find = low > high;
     switch (which % 4) {
-        case 0: answer = Tarv__FindMepOnPort(slot, port, low, high); break;
-        case 1: answer = Tarv__FindMipOnPort(slot, port, low, high); break;
+        case 0: answer = CALL(Tarv__FindMepOnPort, (slot, port, low, high)); break;
+        case 1: answer = CALL(Tarv__FindMipOnPort, (slot, port, low, high)); break;
         default: {
             const auto new_low = static_cast<std::uint16_t>(in.number());
             const auto new_high = static_cast<std::uint16_t>(in.number());
             nothing_to_find = nothing_to_find || (new_low <= low && high <= new_high);
-            answer = which % 4 == 2 ? Tarv__FindAllMepOnPort(slot, port, low, high, new_low, new_high)
-                                    : Tarv__FindAllMipOnPort(slot, port, low, high, new_low, new_high);
+            answer = which % 4 == 2 ? CALL(Tarv__FindAllMepOnPort, (slot, port, low, high, new_low, new_high))
+                                    : CALL(Tarv__FindAllMipOnPort, (slot, port, low, high, new_low, new_high));
         }
     }
     expect_flag(answer, "range finder");
@@ -165,7 +164,7 @@ void check_handed_out(const std::uint8_t* region, Table keys, Table data, std::u
 }
 
 void find_down_mep(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded index_buffer(4), moid_buffer(TARV_MOID_SIZE), record_buffer(TARV_MEP_RECORD_SIZE);
+    static thread_local fuzz::Guarded index_buffer(4), moid_buffer(TARV_MOID_SIZE), record_buffer(TARV_MEP_RECORD_SIZE);
     const std::int32_t slot = in.signed_number();
     const std::int32_t port = in.signed_number();
     const std::int32_t cvid = in.signed_number();
@@ -174,8 +173,8 @@ void find_down_mep(const std::uint8_t* region, Input& in) {
     *index = start;
     std::uint8_t* moid = moid_buffer.take(TARV_MOID_SIZE);
     std::uint8_t* record = record_buffer.take(TARV_MEP_RECORD_SIZE);
-    const std::uint32_t answer = Tarv__FindDownMepFromSomeWhereOnCVlanPort(
-        slot, port, cvid, index, reinterpret_cast<TARV_MOID*>(moid), record);
+    const std::uint32_t answer = CALL(Tarv__FindDownMepFromSomeWhereOnCVlanPort, (
+        slot, port, cvid, index, reinterpret_cast<TARV_MOID*>(moid), record));
     if (answer == 0 ? *index != start : *index < start)
         fuzz::fail(kTarget, "Tarv__FindDownMepFromSomeWhereOnCVlanPort: wrong index");
     if ((start < 0 || start > 31) && answer != 0)
@@ -185,14 +184,14 @@ void find_down_mep(const std::uint8_t* region, Input& in) {
 }
 
 void mip_on_cvlan(const std::uint8_t* region, Input& in) {
-    static fuzz::Guarded moid_buffer(TARV_MOID_SIZE), record_buffer(TARV_MIP_RECORD_SIZE);
+    static thread_local fuzz::Guarded moid_buffer(TARV_MOID_SIZE), record_buffer(TARV_MIP_RECORD_SIZE);
     const std::int32_t slot = in.signed_number();
     const std::int32_t port = in.signed_number();
     const std::int32_t cvid = in.signed_number();
     std::uint8_t* moid = moid_buffer.take(TARV_MOID_SIZE);
     std::uint8_t* record = record_buffer.take(TARV_MIP_RECORD_SIZE);
     const std::uint32_t answer =
-        Tarv__DoesMipExistOnCVlanPort(slot, port, cvid, reinterpret_cast<TARV_MOID*>(moid), record);
+        CALL(Tarv__DoesMipExistOnCVlanPort, (slot, port, cvid, reinterpret_cast<TARV_MOID*>(moid), record));
     // Of two slots with the same MOID, either may have been handed out.
     std::uint32_t found = 0;
     while (found < 32 && answer != 0 &&
@@ -203,10 +202,10 @@ void mip_on_cvlan(const std::uint8_t* region, Input& in) {
 }
 
 void lag(Input& in) {
-    static fuzz::Guarded period(4);
+    static thread_local fuzz::Guarded period(4);
     const std::int32_t lag_id = in.signed_number();
     std::uint8_t* out = period.take(4);
-    const std::uint32_t answer = Tarv__IsOamEnabledOnLagOpt(lag_id, reinterpret_cast<std::uint32_t*>(out));
+    const std::uint32_t answer = CALL(Tarv__IsOamEnabledOnLagOpt, (lag_id, reinterpret_cast<std::uint32_t*>(out)));
     expect_flag(answer, "Tarv__IsOamEnabledOnLagOpt");
     if (answer == 0 && !fuzz::untouched(out, 4)) fuzz::fail(kTarget, "Tarv__IsOamEnabledOnLagOpt: wrote a period");
 }
@@ -223,33 +222,44 @@ void resources(std::uint8_t* region, Input& in) {
             std::memset(entry(region, Table::MepMoidArray, removed), 0, TARV_MOID_SIZE);
             std::memset(entry(region, Table::MepDataArray, removed), 0, TARV_MEP_RECORD_SIZE);
         };
-    const std::int32_t answer = Tarv__MepResourcesAvailableOnSlot(slot, period);
+    const std::int32_t answer = CALL(Tarv__MepResourcesAvailableOnSlot, (slot, period));
     testing::fake().on_lag_request = nullptr;
     expect_flag(static_cast<std::uint32_t>(answer), "Tarv__MepResourcesAvailableOnSlot");
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::uint8_t* region = fuzz::attached_region(/*read_write=*/false);
-    Input in(data, size);
+bool prepare(Input& in, std::uint8_t*& region) {
+    region = fuzz::attached_region(/*read_write=*/false);
     fuzz::fill_region(region, kTables, in);
     fuzz::set_platform(in);
-    for (int ops = 0; ops < 64 && !in.empty(); ++ops) {
-        const auto op = static_cast<std::uint8_t>(in.u8() % kOperations);
-        switch (op) {
-            case 0: case 1: case 2: presence(region, op, in); break;
-            case 3: mep_on_port(region, in); break;
-            case 4: case 5: case 6: case 7: case 8: case 9: vlan_on_port(op - 4, in); break;
-            case 10: case 11: case 12: switch_wide(region, op - 10, in); break;
-            case 13: check_tagging(in); break;
-            case 14: case 15: case 16: case 17: range_finder(op - 14, in); break;
-            case 18: find_down_mep(region, in); break;
-            case 19: mip_on_cvlan(region, in); break;
-            case 20: lag(in); break;
-            case 21: resources(region, in); break;
-        }
-    }
-    fuzz::check_traces(kTarget);
-    return 0;
+    return true;
 }
+
+// The operations that share a decoding, by their variant number.
+template <void (*F)(const std::uint8_t*, std::uint8_t, Input&), std::uint8_t which>
+void with_region(std::uint8_t* region, Input& in) {
+    F(region, which, in);
+}
+template <void (*F)(std::uint8_t, Input&), std::uint8_t which>
+void with_variant(std::uint8_t*, Input& in) {
+    F(which, in);
+}
+
+constexpr fuzz::Op kOps[] = {
+    {with_region<presence, 0>},        {with_region<presence, 1>},        {with_region<presence, 2>},
+    {[](std::uint8_t* r, Input& in) { mep_on_port(r, in); }},
+    {with_variant<vlan_on_port, 0>}, {with_variant<vlan_on_port, 1>}, {with_variant<vlan_on_port, 2>},
+    {with_variant<vlan_on_port, 3>}, {with_variant<vlan_on_port, 4>}, {with_variant<vlan_on_port, 5>},
+    {with_region<switch_wide, 0>},     {with_region<switch_wide, 1>},     {with_region<switch_wide, 2>},
+    {[](std::uint8_t*, Input& in) { check_tagging(in); }},
+    {with_variant<range_finder, 0>}, {with_variant<range_finder, 1>}, {with_variant<range_finder, 2>},
+    {with_variant<range_finder, 3>},
+    {[](std::uint8_t* r, Input& in) { find_down_mep(r, in); }},
+    {[](std::uint8_t* r, Input& in) { mip_on_cvlan(r, in); }},
+    {[](std::uint8_t*, Input& in) { lag(in); }},
+    {resources, fuzz::kWrites},  // empties a MEP slot meanwhile
+};
+
+}  // namespace
+
+const tarv::fuzz::Target tarv::fuzz::usage_target{kTarget, prepare, kOps, {}};
+TARV_FUZZ_ENTRY(usage_target)

@@ -1,13 +1,12 @@
 // Heap call counter. A plain build replaces the C library's allocation
-// functions and the global operator new and delete with counting wrappers
-// around the C library's own allocator. A sanitizer build keeps the
+// functions with counting wrappers around the C library's own allocator;
+// the global operator new and delete of the C++ library call them in turn. A sanitizer build keeps the
 // sanitizer's allocator, which must see every block, and counts through the
 // hooks the sanitizer calls on every allocation and release.
 #include "counting_allocator.h"
 
 #include <atomic>
 #include <cstdlib>
-#include <new>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define TARV_SANITIZER_HEAP 1
@@ -95,37 +94,5 @@ int posix_memalign(void** out, std::size_t alignment, std::size_t size) noexcept
     return 0;
 }
 }  // extern "C"
-
-namespace {
-void* counted_new(std::size_t size, std::size_t alignment) noexcept {
-    tarv::testing::count_heap_call();
-    return alignment <= alignof(std::max_align_t) ? __libc_malloc(size == 0 ? 1 : size)
-                                                  : __libc_memalign(alignment, size == 0 ? 1 : size);
-}
-void* counted_new_or_fail(std::size_t size, std::size_t alignment) {
-    void* p = counted_new(size, alignment);
-    if (p == nullptr) std::abort();  // the tests build without exceptions in mind
-    return p;
-}
-void counted_delete(void* p) noexcept {
-    tarv::testing::count_heap_call();
-    __libc_free(p);
-}
-}  // namespace
-
-void* operator new(std::size_t n) { return counted_new_or_fail(n, 0); }
-void* operator new[](std::size_t n) { return counted_new_or_fail(n, 0); }
-void* operator new(std::size_t n, const std::nothrow_t&) noexcept { return counted_new(n, 0); }
-void* operator new[](std::size_t n, const std::nothrow_t&) noexcept { return counted_new(n, 0); }
-void* operator new(std::size_t n, std::align_val_t a) { return counted_new_or_fail(n, static_cast<std::size_t>(a)); }
-void* operator new[](std::size_t n, std::align_val_t a) { return counted_new_or_fail(n, static_cast<std::size_t>(a)); }
-void operator delete(void* p) noexcept { counted_delete(p); }
-void operator delete[](void* p) noexcept { counted_delete(p); }
-void operator delete(void* p, std::size_t) noexcept { counted_delete(p); }
-void operator delete[](void* p, std::size_t) noexcept { counted_delete(p); }
-void operator delete(void* p, std::align_val_t) noexcept { counted_delete(p); }
-void operator delete[](void* p, std::align_val_t) noexcept { counted_delete(p); }
-void operator delete(void* p, std::size_t, std::align_val_t) noexcept { counted_delete(p); }
-void operator delete[](void* p, std::size_t, std::align_val_t) noexcept { counted_delete(p); }
 
 #endif

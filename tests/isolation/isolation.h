@@ -1,51 +1,19 @@
-// Shared arrangement of the isolation checks: the fake platform attached and
-// populated, traces formatted but not kept, and the rows of the operation
-// table in the order both checks run them, in every trace setting.
+// Shared arrangement of the isolation checks: every committed input of every
+// fuzz target replayed through the targets' tables with their comparisons
+// off, so that only the library's own work is looked at; each input with its
+// regions attached and then detached, in every trace setting.
 #ifndef TARV_TESTS_ISOLATION_H
 #define TARV_TESTS_ISOLATION_H
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
-#include <string>
-#include <vector>
+#include <cstdint>
 
-#include "region.h"
-#include "support/fake_platform.h"
 #include "support/operations.h"
 
 namespace tarv::testing {
 
-// The checkpoint region, attached by attach_populated.
-inline std::uint8_t* g_checkpoint = nullptr;
-
-// Attaches read-write through the fake platform (the mapping a writer uses,
-// which every reader uses too), populates the region and attaches the
-// checkpoint region. Traces are counted, never recorded.
-inline void attach_populated() {
-    fake().reset();
-    pSharedData = nullptr;
-    pStorData = nullptr;
-    pChkpData = nullptr;
-    Tarv__StorOpen();
-    Tarv__ChkpOpen();
-    g_checkpoint = pChkpData;
-    populate_region(pSharedData);
-    fake().keep_traces = false;
-}
-
-// Both checks run on the populated region, detached again afterwards.
-class IsolationTest : public ::testing::Test {
-protected:
-    void SetUp() override { attach_populated(); }
-    void TearDown() override {
-        pSharedData = nullptr;
-        pStorData = nullptr;
-        fake().reset();
-    }
-};
-
-// How the platform's trace objects stand while the rows run: every trace
+// How the platform's trace objects stand while an input runs: every trace
 // statement runs, none does, or the platform has no object for module 142.
 struct TraceSetting {
     const char* name;
@@ -58,39 +26,54 @@ inline constexpr TraceSetting kTraceSettings[] = {
     {"no trace object", 7, false},
 };
 
-// One step of a run: a row, with the region attached or not, in a setting.
-struct Step {
-    const Operation* op;
-    bool attached;
-    const TraceSetting* traces;
-};
+// The functions the replays called with the regions attached and detached.
+inline fuzz::Tally g_attached_calls, g_detached_calls;
 
-// In every trace setting: every row attached, then every row but the attach
-// calls detached (the "not attached" answers and their traces).
-inline std::vector<Step> every_step(std::span<const Operation> ops) {
-    std::vector<Step> steps;
-    for (const TraceSetting& setting : kTraceSettings) {
-        for (const Operation& op : ops) steps.push_back({&op, true, &setting});
-        for (const Operation& op : ops)
-            if (op.kind != OperationKind::Attach) steps.push_back({&op, false, &setting});
+// Both checks run with the fuzz targets' region (read-write, the
+// controller-private ranges inaccessible) and the checkpoint region attached
+// once, traces counted but never recorded, comparisons off.
+class IsolationTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        fake().reset();
+        region_ = fuzz::attached_region(/*read_write=*/true);
+        Tarv__ChkpOpen();
+        checkpoint_ = pChkpData;
+        fuzz::checking = false;
+        // Once unchecked first, so that every buffer the targets keep is
+        // mapped and registered for release at exit beforehand.
+        for (const Replay& r : corpus()) {
+            fuzz::Input ops(nullptr, 0);
+            if (prepare(r, ops)) run(r, ops, kTraceSettings[0]);
+        }
     }
-    return steps;
-}
 
-// Sets the step's trace objects, and detaches both regions for a detached
-// step or attaches them back, all without calling the platform.
-inline void enter(const Step& step, std::uint8_t* region) {
-    fake().set_debug_level(step.traces->level);
-    fake().set_module_level(step.traces->level);
-    fake().module_object_missing = !step.traces->module_object;
-    pSharedData = step.attached ? region : nullptr;
-    pStorData = pSharedData;
-    pChkpData = step.attached ? g_checkpoint : nullptr;
-}
+    // The input's region contents and platform answers, outside any check;
+    // false when the input cannot run here (a locale not installed).
+    static bool prepare(const Replay& r, fuzz::Input& ops) {
+        ops = fuzz::Input(r.bytes.data(), r.bytes.size());
+        std::uint8_t* region = nullptr;
+        return r.target->prepare(ops, region);
+    }
 
-inline std::string step_name(const Step& step) {
-    return row_name(*step.op) + (step.attached ? " (attached, " : " (not attached, ") + step.traces->name + ")";
-}
+    // The prepared input's operations in `setting`, attached, then detached.
+    static void run(const Replay& r, const fuzz::Input& ops, const TraceSetting& setting) {
+        fake().set_debug_level(setting.level);
+        fake().set_module_level(setting.level);
+        fake().module_object_missing = !setting.module_object;
+        fuzz::tally = &g_attached_calls;
+        fuzz::run_ops(*r.target, region_, ops);
+        pSharedData = pStorData = pChkpData = nullptr;
+        fuzz::tally = &g_detached_calls;
+        fuzz::run_ops(*r.target, region_, ops, fuzz::kAttaches);
+        fuzz::tally = nullptr;
+        pSharedData = pStorData = region_;
+        pChkpData = checkpoint_;
+    }
+
+    static inline std::uint8_t* region_ = nullptr;
+    static inline std::uint8_t* checkpoint_ = nullptr;
+};
 
 }  // namespace tarv::testing
 

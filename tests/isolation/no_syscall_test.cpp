@@ -1,21 +1,18 @@
-// Once attached, no operation of the library enters the kernel: a child
-// process forbids itself every system call but read, write, exit and
-// sigreturn (seccomp strict mode), then runs every row of the operation
-// table, with every trace statement running and with none. Any other system
-// call kills it at once. It reports each row on a pipe before running it, so
-// that the parent can name the row that killed it.
+// Once attached, no operation of the library enters the kernel: for every
+// committed fuzz input in every trace setting, a child process prepares the
+// input, forbids itself every system call but read, write, exit and
+// sigreturn (seccomp strict mode), then runs the input's operations attached
+// and detached. Any other system call kills it at once.
 #include <gtest/gtest.h>
 #include <linux/seccomp.h>
-#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdint>
-#include <fstream>
-#include <set>
+#include <cstdio>
+#include <functional>
 #include <string>
 
 #include "isolation.h"
@@ -26,9 +23,9 @@ namespace {
 // Exit codes of the confined child.
 enum ChildExit : int {
     kAllRan = 0,
-    kNoSeccomp = 10,   // prctl refused strict mode
-    kNoTraces = 11,    // the trace statements did not run
-    kUnpaired = 12,    // a print without its WQ_beginImpl / WQ_endImpl
+    kNoSeccomp = 10,  // prctl refused strict mode
+    kUnpaired = 12,   // a print without its WQ_beginImpl / WQ_endImpl
+    kNotPrepared = 13,
 };
 
 [[noreturn]] void raw_exit(int code) {
@@ -37,82 +34,32 @@ enum ChildExit : int {
     __builtin_unreachable();
 }
 
-struct Outcome {
-    int status = -1;          // waitpid status
-    std::int64_t last_step = -1;  // the last step the child started
-    std::size_t steps = 0;
-};
-
-// The confined child: reports each step on `report` before running it.
-// Not instrumented by AddressSanitizer, which would otherwise reset its
-// stack bookkeeping (with a system call) before the final exit.
-[[noreturn]] __attribute__((no_sanitize("address"))) void confined_child(const std::vector<Step>& steps,
-                                                                          void (*extra)(), Scratch& scratch,
-                                                                          int report) {
+// The confined child. Not instrumented by AddressSanitizer, which would
+// otherwise reset its stack bookkeeping (with a system call) before the
+// final exit.
+[[noreturn]] __attribute__((no_sanitize("address"))) void confined_child(const std::function<bool()>& prepare,
+                                                                          const std::function<void()>& body) {
     alarm(30);  // a hang ends the child
-    std::uint8_t* region = pSharedData;
+    if (!prepare()) raw_exit(kNotPrepared);
     if (prctl(PR_SET_SECCOMP, SECCOMP_MODE_STRICT) != 0) raw_exit(kNoSeccomp);
-    for (std::size_t i = 0; i <= steps.size(); ++i) {
-        const auto index = static_cast<std::uint32_t>(i);
-        if (i == steps.size() && extra == nullptr) break;
-        if (write(report, &index, sizeof index) != sizeof index) raw_exit(kNoSeccomp);
-        if (i == steps.size()) {
-            extra();
-            break;
-        }
-        enter(steps[i], region);
-        (void)run_row(*steps[i].op, scratch);
-    }
-    if (fake().trace_count == 0) raw_exit(kNoTraces);
-    if (fake().unpaired_count != 0) raw_exit(kUnpaired);
-    raw_exit(kAllRan);
+    body();
+    raw_exit(fake().unpaired_count != 0 ? kUnpaired : kAllRan);
 }
 
-// Runs `steps` in a confined child; `extra` (when set) runs after them.
-Outcome run_confined(const std::vector<Step>& steps, void (*extra)()) {
-    Scratch scratch;  // mapped before the child confines itself
-    int fds[2];
-    if (pipe(fds) != 0) return {};
+// The waitpid status of a child that runs `body` confined after `prepare`.
+int run_confined(const std::function<bool()>& prepare, const std::function<void()>& body) {
     std::fflush(nullptr);
     const pid_t pid = fork();
-    if (pid == 0) {
-        close(fds[0]);
-        confined_child(steps, extra, scratch, fds[1]);
-    }
-    close(fds[1]);
-    Outcome out;
-    // Reports until the child closes the pipe by ending; a child that stops
-    // reporting for 30 s is killed.
-    pollfd p{fds[0], POLLIN, 0};
-    std::uint32_t index = 0;
-    while (poll(&p, 1, 30000) == 1 && read(fds[0], &index, sizeof index) == sizeof index) {
-        out.last_step = index;
-        ++out.steps;
-    }
-    close(fds[0]);
-    if (pid > 0) kill(pid, SIGKILL);  // no effect on a child that has ended
-    if (pid < 0 || waitpid(pid, &out.status, 0) != pid) out.status = -1;
-    return out;
+    if (pid == 0) confined_child(prepare, body);
+    int status = -1;
+    if (pid < 0 || waitpid(pid, &status, 0) != pid) return -1;
+    return status;
 }
 
-std::string describe(const Outcome& o, const std::vector<Step>& steps) {
-    std::string where = "no step";
-    if (o.last_step >= 0 && static_cast<std::size_t>(o.last_step) < steps.size()) {
-        where = step_name(steps[static_cast<std::size_t>(o.last_step)]);
-    } else if (o.last_step >= 0) {
-        where = "the extra step";
-    }
-    if (WIFSIGNALED(o.status))
-        return "killed by signal " + std::to_string(WTERMSIG(o.status)) + " in " + where;
-    return "exit status " + std::to_string(WEXITSTATUS(o.status)) + " after " + where;
+std::string describe(int status) {
+    if (WIFSIGNALED(status)) return "killed by signal " + std::to_string(WTERMSIG(status));
+    return "exit status " + std::to_string(WEXITSTATUS(status));
 }
-
-// Runs the steps confined; under an emulator that cannot confine a process
-// (qemu-user refuses seccomp) the test is skipped.
-#define RUN_CONFINED(outcome, steps, extra)                                                       \
-    const Outcome outcome = run_confined(steps, extra);                                           \
-    if (kEmulated && WIFEXITED(outcome.status) && WEXITSTATUS(outcome.status) == kNoSeccomp)     \
-        GTEST_SKIP() << "the emulator does not provide seccomp strict mode"
 
 #ifdef TARV_EMULATED
 constexpr bool kEmulated = true;
@@ -120,43 +67,29 @@ constexpr bool kEmulated = true;
 constexpr bool kEmulated = false;
 #endif
 
+// qemu-user, which runs the cross builds' tests, refuses seccomp.
+#define SKIP_WHEN_EMULATED(status)                                                         \
+    if (kEmulated && WIFEXITED(status) && WEXITSTATUS(status) == kNoSeccomp) \
+    GTEST_SKIP() << "the emulator does not provide seccomp strict mode"
+
 using NoSystemCallTest = IsolationTest;
 
-TEST_F(NoSystemCallTest, EveryOperationRunsWithTheKernelForbidden) {
-    const std::vector<Step> steps = every_step(operations());
-    RUN_CONFINED(o, steps, nullptr);
-    EXPECT_TRUE(WIFEXITED(o.status) && WEXITSTATUS(o.status) == kAllRan) << describe(o, steps);
-    EXPECT_EQ(o.steps, steps.size());
+TEST_F(NoSystemCallTest, EveryCommittedInputRunsWithTheKernelForbidden) {
+    for (const TraceSetting& setting : kTraceSettings)
+        for (const Replay& r : corpus()) {
+            fuzz::Input ops(nullptr, 0);
+            const int status = run_confined([&] { return prepare(r, ops); }, [&] { run(r, ops, setting); });
+            SKIP_WHEN_EMULATED(status);
+            EXPECT_TRUE(WIFEXITED(status) && (WEXITSTATUS(status) == kAllRan || WEXITSTATUS(status) == kNotPrepared))
+                << r.name << " (" << setting.name << "): " << describe(status);
+        }
 }
 
-// The confinement is real: a step that asks the kernel for anything else is
-// killed, and the parent names it.
-TEST_F(NoSystemCallTest, ASystemCallKillsTheChildAndIsNamed) {
-    const std::vector<Step> steps = every_step(operations());
-    RUN_CONFINED(o, steps, [] { (void)syscall(SYS_getppid); });
-    ASSERT_TRUE(WIFSIGNALED(o.status)) << describe(o, steps);
-    EXPECT_EQ(WTERMSIG(o.status), SIGKILL);
-    EXPECT_EQ(o.last_step, static_cast<std::int64_t>(steps.size()));
-    EXPECT_EQ(describe(o, steps), "killed by signal 9 in the extra step");
-}
-
-// Every exported function has at least one row, so none escapes the checks
-// that run the table; a function added to the library fails this test until
-// it has its rows.
-TEST(OperationTable, EveryExportedFunctionHasARow) {
-    std::ifstream exported(TARV_EXPORTED_LIST);
-    ASSERT_TRUE(exported.good()) << TARV_EXPORTED_LIST;
-    std::set<std::string> with_rows;
-    for (const Operation& op : operations()) with_rows.insert(op.function);
-    std::size_t functions = 0;
-    for (std::string name; std::getline(exported, name);) {
-        if (name.empty()) continue;
-        ++functions;
-        EXPECT_EQ(with_rows.count(name), 1u) << name << " has no row in tests/support/operations.cpp";
-        with_rows.erase(name);
-    }
-    EXPECT_GT(functions, 0u);
-    EXPECT_TRUE(with_rows.empty()) << *with_rows.begin() << " has rows but is not exported";
+// The confinement is real: a system call after it kills the child.
+TEST_F(NoSystemCallTest, ASystemCallKillsTheChild) {
+    const int status = run_confined([] { return true; }, [] { (void)syscall(SYS_getppid); });
+    SKIP_WHEN_EMULATED(status);
+    EXPECT_EQ(describe(status), "killed by signal 9");
 }
 
 }  // namespace

@@ -1,14 +1,13 @@
-// Every operation of the library, as rows of one table, for the checks that
-// must hold for all of them alike: no system call and no allocation once the
-// region is attached, the same answers from several threads at once.
+// The library's operations as the fuzz targets' tables run them (fuzz/),
+// from every committed fuzz input, for the checks that must hold for all of
+// them alike: no system call and no allocation once the region is attached,
+// the same answers from several threads at once.
 //
-// A row calls one exported function with one set of arguments. Its buffers
-// come from a Scratch prepared beforehand, so that running a row needs
-// nothing but the library: no mapping, no allocation. Every output buffer
-// ends at an inaccessible page.
-//
-// A new exported function gets at least one row in operations.cpp; the
-// OperationTable test fails while an exported function has none.
+// A row is one committed input: its operations, read from the input as its
+// target reads them, run on the region as prepared by populate_region. Rows
+// compare every answer with their target's rules as they run (a wrong one
+// aborts, naming the rule) and fold the values the calls return into a
+// digest.
 #ifndef TARV_TESTS_OPERATIONS_H
 #define TARV_TESTS_OPERATIONS_H
 
@@ -16,8 +15,9 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
-#include "support/guard_page.h"
+#include "fuzz_support.h"
 #include "tarv/tarv.h"
 
 namespace tarv::testing {
@@ -30,48 +30,41 @@ enum class OperationKind : std::uint8_t {
     Pure,    // touches no region (the PM record converters)
 };
 
-// Buffers and well-known keys for the rows, made once before any row runs.
+// The digest of a row's answers, one per thread.
 class Scratch {
 public:
-    Scratch();
-
-    // `n` writable bytes that end at an inaccessible page, filled with
-    // kFill. The buffer is what the harness digests after the row.
-    std::uint8_t* out(std::size_t n) noexcept;
-    // A value the row's function returned, folded into the digest.
-    void result(std::uint64_t value) noexcept;
-
-    // FNV-1a digest of the row's results and its output buffer.
-    [[nodiscard]] std::uint64_t digest() const noexcept;
-    void begin_row() noexcept;
-
-    static constexpr std::uint8_t kFill = 0xA5;
-    // Room for the longest output: every slot of class 581 and a terminator.
-    static constexpr std::size_t kLargest = 128 * 1024;
+    void result(std::uint64_t value) noexcept { results_ = (results_ ^ value) * 1099511628211u; }
+    [[nodiscard]] std::uint64_t digest() const noexcept { return results_; }
+    void begin_row() noexcept { results_ = 14695981039346656037u; }
 
 private:
-    GuardedBytes out_;
-    std::uint8_t* handed_ = nullptr;
-    std::size_t handed_size_ = 0;
     std::uint64_t results_ = 0;
 };
 
 struct Operation {
-    const char* function;  // the exported name
-    const char* variant;   // what this row exercises
+    const char* function;  // the target
+    const char* variant;   // the input's file
     OperationKind kind;
     void (*run)(Scratch&, const Operation&);
-    std::uint32_t a = 0, b = 0;  // arguments of rows that share one run
+    std::uint32_t a = 0, b = 0;  // the input's index in corpus()
 };
 
-// Every row, grouped by function.
+// A committed fuzz input of a target.
+struct Replay {
+    const fuzz::Target* target;
+    std::string name;  // target/file
+    std::vector<std::uint8_t> bytes;
+};
+// Every committed input, read once, in target and file name order.
+const std::vector<Replay>& corpus();
+
+// Every row that runs (an input whose locale is installed), in corpus order;
+// reading rows only: the operations that write leave their input's row.
 [[nodiscard]] std::span<const Operation> operations();
 
-// Fills the attached region at `region` with the objects the rows look up:
-// entries of every class in the first and last slots of its table, MEPs
-// with their old MOIDs, one of them outside its hint slot, MaNets, points on
-// ports and LAGs with their MA components, alarm texts; and the fake
-// platform's LAG member lists and port types.
+// Prepares every committed input in turn on the attached region: what each
+// writes to the region and asks of the fake platform; the region keeps what
+// the last inputs wrote, which the rows' rules read.
 void populate_region(std::uint8_t* region);
 
 // Runs one row on `scratch` and returns its digest.
