@@ -107,7 +107,7 @@ const double kDoubles[] = {
 // Texts without a number and texts around the limits of a plain decimal that
 // the library reads by itself (15 significant digits, 22 decimals), some of
 // whose last digit forces a rounding; texts that run past the field's 33
-// bytes have no terminator.
+// bytes, or whose digits end exactly at its end, have no terminator.
 const char* const kTexts[] = {
     "", "   ", "abc", "-", "+", ".", "-.", "us 5", "e5", "1e", "1e+", "0x", "0xg", "0x1.8p1 us", "infinit", "nanx",
     "  -inf", "nan(12)", "\t\n\v\f\r 12", "5.", "+.5", "1,5", "1.5e3us", "12.35\x01", "7.5x", "250.50 us", "-0.00 us",
@@ -115,7 +115,8 @@ const char* const kTexts[] = {
     "0.123456789012345", "0.1234567890123456", "0.0000000000000000000001", "0.00000000000000000000001",
     "000000000000000000000001.5", "0.30000000000000004", "2.2250738585072014e-308", "4.9e-324", "1e400", "-1e-400",
     "12345678901234567890123456789012345", "111111111111111111111111111111111", "-0.1 us", "0.1 us", "-2.675",
-    "-123456789012.345", "-0.000000000000000000001", "-999999.123456789 us", "42949672.955 %"};
+    "-123456789012.345", "-0.000000000000000000001", "-999999.123456789 us", "42949672.955 %",
+    "                 1.23456789012345", "                  123456789012345"};
 
 // Every double in every Real field of both forms must get the C library's
 // text (in the default rounding mode: the texts round ties to even whatever
