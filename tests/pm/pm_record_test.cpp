@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <ostream>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -171,7 +172,13 @@ TEST(PmRecord, ConversionsStayInsideBothRecords) {
 // (U+066B in UTF-8). A missing locale skips its rows, unless
 // TARV_REQUIRE_LOCALES=1 asks that it fail (CI generates the locales it
 // needs).
-class PmRecordMode : public ::testing::TestWithParam<std::pair<int, const char*>> {
+struct Mode {
+    int round;
+    const char* locale;
+};
+void PrintTo(const Mode& m, std::ostream* os) { *os << m.round << " " << m.locale; }
+
+class PmRecordMode : public ::testing::TestWithParam<Mode> {
 protected:
     void TearDown() override {
         std::fesetround(FE_TONEAREST);
@@ -191,10 +198,17 @@ TEST_P(PmRecordMode, TextsAsTheCLibraryHasThem) {
 }
 
 INSTANTIATE_TEST_SUITE_P(PmRecord, PmRecordMode,
-                         ::testing::Values(std::pair{FE_TONEAREST, "C"}, std::pair{FE_UPWARD, "C"},
-                                           std::pair{FE_DOWNWARD, "C"}, std::pair{FE_TOWARDZERO, "C"},
-                                           std::pair{FE_TONEAREST, "de_DE.UTF-8"},
-                                           std::pair{FE_TONEAREST, "ps_AF.UTF-8"}));
+                         ::testing::Values(Mode{FE_TONEAREST, "C"}, Mode{FE_UPWARD, "C"}, Mode{FE_DOWNWARD, "C"},
+                                           Mode{FE_TOWARDZERO, "C"}, Mode{FE_TONEAREST, "de_DE.UTF-8"},
+                                           Mode{FE_TONEAREST, "ps_AF.UTF-8"}),
+                         [](const auto& p) {
+                             const int mode = p.param.round;
+                             return std::string(mode == FE_UPWARD       ? "Upward"
+                                                : mode == FE_DOWNWARD   ? "Downward"
+                                                : mode == FE_TOWARDZERO ? "TowardZero"
+                                                                        : "ToNearest") +
+                                    "_" + std::string(p.param.locale).substr(0, 2);
+                         });
 
 }  // namespace
 }  // namespace tarv::testing
