@@ -173,7 +173,7 @@ TEST(ConfigConcurrencyTest, ReadersSurviveAWriterRewritingClasses) {
         Tarv__Open();
         Bytes buffer(4096 * 22 + 6);
         std::uint32_t walks = 0;
-        for (; Clock::now() < end; ++walks) {
+        for (; walks == 0 || Clock::now() < end; ++walks) {  // once at least, however late the writer starts
             int steps = 0;
             for (const TARV_MOID* m = Tarv__MEPMoidIterator(nullptr); m != nullptr; m = Tarv__MEPMoidIterator(m)) {
                 ASSERT_LE(++steps, 32 * 32) << "the walk does not end";
@@ -183,7 +183,6 @@ TEST(ConfigConcurrencyTest, ReadersSurviveAWriterRewritingClasses) {
             for (auto [id, count] : {std::pair{532u, 32u}, {575u, 32u}, {581u, 4096u}})
                 ASSERT_EQ(Tarv__GetConfig(id, buffer.data(), count), 0);
         }
-        EXPECT_GT(walks, 0u);
     };
     const pid_t writer = spawn([&] {
         Tarv__StorOpen();

@@ -1,7 +1,6 @@
 // Alarm queries and the Y.1731 alarm source text. Record fields are written
 // at the offsets the controller uses, not through the library's field table.
 #include <cstdio>
-#include <random>
 #include <tuple>
 
 #include "region_fixture.h"
@@ -145,49 +144,47 @@ void expected_text(char* out, bool c_vid, const std::uint8_t* mep, const std::ui
     std::strncat(out, reinterpret_cast<const char*>(manet + 4), 24);
 }
 
-// Random records with the edge values of every field, names of up to 30
-// characters over the bytes that follow their field, switch modes and port
-// types; the widest text fills the 96 bytes exactly.
+// Every field at its edges (a slot, port or MEP id read as signed 16 bits,
+// the level less one as signed 32 bits), names of up to 30 characters over
+// the bytes that follow their field, C-VID by the switch mode (the port type
+// then not asked) or by the port type; the first row's text fills the 96
+// bytes exactly.
 TEST_F(AlarmTextTest, TextIsWhatTheCLibraryFormatsForAnyRecord) {
-    std::mt19937 rng(1731);
-    auto pick = [&rng](std::initializer_list<std::uint32_t> edges) -> std::uint32_t {
-        return static_cast<std::uint32_t>(rng() % 2 ? rng() : edges.begin()[rng() % edges.size()]);
-    };
-    auto put_name = [&rng](std::uint8_t* record, std::uint32_t size, std::uint32_t n) {
-        for (std::uint32_t i = 0; i < size; ++i) record[i] = static_cast<std::uint8_t>(rng() % 255 + 1);
-        for (std::uint32_t i = 0; i < n; ++i) record[4 + i] = static_cast<std::uint8_t>('!' + rng() % 94);
-        record[4 + n] = 0;
-    };
+    // MD and MA name lengths, slot, port, VID, direction, MD level, MEP id, switch mode, port type.
+    using Row = std::tuple<std::uint32_t, std::uint32_t, std::uint8_t, std::uint8_t, std::uint16_t, std::uint32_t,
+                           std::uint32_t, std::uint16_t, std::int32_t, std::int32_t>;
+    const Row rows[] = {{30, 30, 255, 255, 65535, 0xFFFFFFFFu, 0x80000001u, 0x8000, 1, 3},
+                        {0, 0, 0, 0, 0, 1, 0, 0, 2, 1},
+                        {19, 24, 1, 4, 100, 2, 5, 0x7FFF, 3, 1},
+                        {20, 25, 128, 127, 4095, 0, 1, 0xFFFF, 1, 2},
+                        {21, 21, 2, 9, 1, 1, 0xFFFFFFFFu, 1, 0, 3},
+                        {25, 19, 3, 1, 200, 1, 0x80000000u, 32767, 2, 3}};
     std::uint8_t *m = at(Table::MepDataArray, 11), *md = at(Table::MdDataArray, 2);
     std::uint8_t* manet = at(Table::MaNetDataArray, 6);
-    const std::uint32_t name_lengths[] = {0, 19, 20, 21, 24, 25, 30};
-    std::size_t longest = 0;
-    for (int round = 0; round < 3000; ++round) {
-        const bool widest = round == 0;
-        put_name(md, 65, widest ? 30 : name_lengths[rng() % 7]);
-        put_name(manet, 57, widest ? 30 : name_lengths[rng() % 7]);
-        m[46] = static_cast<std::uint8_t>(widest ? 255 : pick({0, 255}));
-        m[47] = static_cast<std::uint8_t>(widest ? 255 : pick({0, 255}));
-        store_le(m + 6, static_cast<std::uint16_t>(widest ? 65535 : pick({0, 65535})));
-        store_le(m + 2, pick({0, 1, 2, 0xFFFFFFFFu}));
-        store_le(md + 48, widest ? 0x80000001u : pick({0, 1, 5, 0x80000000u, 0x80000001u, 0xFFFFFFFFu}));
-        store_le(m, static_cast<std::uint16_t>(widest ? 0x8000 : pick({0, 0x7FFF, 0x8000, 0xFFFF})));
-        fake().switch_mode = static_cast<std::int32_t>(pick({1, 2, 3}) % 4);
-        const std::int32_t port_type = static_cast<std::int32_t>(pick({1, 3}) % 4);
-        fake().port_types[{m[46], m[47]}] = port_type;
+    const auto put_name = [](std::uint8_t* record, std::uint32_t size, std::uint32_t n) {
+        for (std::uint32_t i = 0; i < size; ++i) record[i] = static_cast<std::uint8_t>(0x80 + i);
+        for (std::uint32_t i = 0; i < n; ++i) record[4 + i] = static_cast<std::uint8_t>('!' + (i * 7) % 94);
+        record[4 + n] = 0;
+    };
+    for (const auto& [md_name, ma_name, slot, port, vid, direction, level, id, switch_mode, port_type] : rows) {
+        put_name(md, 65, md_name);
+        put_name(manet, 57, ma_name);
+        m[46] = slot, m[47] = port;
+        store_le(m + 6, vid), store_le(m + 2, direction), store_le(md + 48, level), store_le(m, id);
+        fake().switch_mode = switch_mode;
+        fake().port_types[{slot, port}] = port_type;
         fake().port_type_requests.clear();
 
         char want[96];
         std::memset(want, 0xEE, sizeof want);
-        expected_text(want, fake().switch_mode == 2 || port_type == 3, m, md, manet);
+        expected_text(want, switch_mode == 2 || port_type == 3, m, md, manet);
+        EXPECT_EQ(std::strlen(want) == 95, md_name == 30 && ma_name == 30) << want;
         const auto got = guarded(96);
-        ASSERT_EQ(Tarv__GetMepInfoAbout1731Alarm(pm_key, reinterpret_cast<char*>(got->data())), 1u);
-        ASSERT_EQ(contents(*got), Bytes(want, want + 96)) << want;
-        longest = std::max(longest, std::strlen(want));
-        const std::vector<std::pair<std::uint32_t, std::uint32_t>> asked{{m[46], m[47]}};
-        EXPECT_EQ(fake().port_type_requests, fake().switch_mode == 2 ? decltype(asked){} : asked);
+        EXPECT_EQ(Tarv__GetMepInfoAbout1731Alarm(pm_key, reinterpret_cast<char*>(got->data())), 1u);
+        EXPECT_EQ(contents(*got), Bytes(want, want + 96)) << want;
+        const std::vector<std::pair<std::uint32_t, std::uint32_t>> asked{{slot, port}};
+        EXPECT_EQ(fake().port_type_requests, switch_mode == 2 ? decltype(asked){} : asked) << want;
     }
-    EXPECT_EQ(longest, 95u);
 }
 
 }  // namespace
