@@ -5,7 +5,7 @@
 # byte. A and B are commands, e.g. a native build and an ARM build under
 # qemu-user, which shares /dev/shm with the host:
 #   tests/mixed/run_mixed_arch.sh build/default/tests/mixed/tarv-mixed-arch \
-#     "qemu-arm -L /usr/arm-linux-gnueabihf build/armhf/tests/mixed/tarv-mixed-arch"
+#     "qemu-arm -L /usr/arm-linux-gnueabihf -E LD_LIBRARY_PATH=/usr/arm-linux-gnueabihf/lib build/armhf/tests/mixed/tarv-mixed-arch"
 # The regions get private prefixes and are removed afterwards.
 set -u
 if [ $# -ne 2 ]; then
