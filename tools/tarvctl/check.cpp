@@ -83,13 +83,15 @@ private:
     void check_slot(const ClassDef& c, std::uint32_t s) {
         const Bytes k = key(c, s);
         if (all_zero(k)) {
-            if (!all_zero(record(c, s))) add(c.data.name, s, "recordBehindEmptyKey", "record bytes behind an empty key");
+            if (!all_zero(record(c, s)))
+                add(c.data.name, s, "recordBehindEmptyKey", "record bytes behind an empty key");
             return;
         }
         const std::string name = label(c, k);
         const KeyIds ids = key_ids(c, k);
         if (c.rule == Rule::List && !c.session_keyed() && ids.cls != c.id)
-            add(c.keys.name, s, "wrongClass", fmt::format("{}: key of class {} in the table of class {}", name, ids.cls, c.id));
+            add(c.keys.name, s, "wrongClass",
+                fmt::format("{}: key of class {} in the table of class {}", name, ids.cls, c.id));
         if (c.placement == Placement::LastId) {
             const std::uint32_t instance = ids.id[ids.count - 1] & 0xFFFFu;
             if (instance == 0 || instance > c.slots)
@@ -102,10 +104,12 @@ private:
             if (s == 0)
                 add(c.keys.name, s, "slotZero", fmt::format("{}: slot 0 is never used", name));
             else if (ids.session != s)
-                add(c.keys.name, s, "sessionMismatch", fmt::format("{}: session id {} does not match the slot", name, ids.session));
+                add(c.keys.name, s, "sessionMismatch",
+                    fmt::format("{}: session id {} does not match the slot", name, ids.session));
         }
         const auto [first, fresh] = seen_.try_emplace(std::string(k.begin(), k.end()), s);
-        if (!fresh) add(c.keys.name, s, "duplicateKey", fmt::format("{}: same key as slot {}", name, first->second));
+        if (!fresh)
+            add(c.keys.name, s, "duplicateKey", fmt::format("{}: same key as slot {}", name, first->second));
         if (!listed(c, s)) return;
         for (const Parent& p : kParents) {
             if (p.child != c.id) continue;
@@ -115,7 +119,8 @@ private:
             std::copy_n(k.begin() + 2, 4 * p.ids, parent.begin() + 2);
             if (!exists(class_of(p.parent), Bytes(parent).first(2 + 4 * p.ids))) {
                 std::vector<std::uint32_t> path(ids.id, ids.id + p.ids);
-                add(c.keys.name, s, "missingParent", fmt::format("{}: its {} {} is missing", name, p.what, fmt::join(path, "/")));
+                add(c.keys.name, s, "missingParent",
+                    fmt::format("{}: its {} {} is missing", name, p.what, fmt::join(path, "/")));
             }
         }
         if (c.id == cls::kMaNet) check_components(c, s, k);
@@ -249,7 +254,8 @@ void add_check(CLI::App& app, const Options& options, Commands& commands) {
             }
             Json by_kind = Json::object();
             for (const auto& count : counts) by_kind[std::string(count.first)] = count.second;
-            print_json({{"region", region.where()}, {"total", findings.size()}, {"counts", by_kind}, {"findings", list}});
+            print_json(
+                {{"region", region.where()}, {"total", findings.size()}, {"counts", by_kind}, {"findings", list}});
             return findings.empty() ? kExitOk : kExitFindings;
         }
         for (std::size_t i = 0; i < listed; ++i) {

@@ -300,7 +300,10 @@ std::string components_text(const Configuration& c, const std::vector<const MaCo
 Json components_json(const Configuration& c, const std::vector<const MaComp*>& comps) {
     Json list = Json::array();
     for (const MaComp* comp : comps) {
-        Json j = {{"md", comp->md}, {"ma", comp->ma}, {"component", comp->comp}, {"tagging", tagging_text(comp->tagging)}};
+        Json j = {{"md", comp->md},
+                  {"ma", comp->ma},
+                  {"component", comp->comp},
+                  {"tagging", tagging_text(comp->tagging)}};
         const Ma* ma = c.find_ma(comp->md, comp->ma);
         if (ma != nullptr)
             put_name(j, "maName", ma->name);
