@@ -269,6 +269,7 @@ void add_check(CLI::App& app, const Options& options, Commands& commands) {
             return kExitOk;
         }
         std::vector<std::string> kinds;
+        kinds.reserve(counts.size());
         for (const auto& count : counts) kinds.push_back(fmt::format("{} {}", count.first, count.second));
         fmt::print("{}\n", paint(stdout, Tone::Bad,
                                  fmt::format("{} finding{} in {}: {}", findings.size(), findings.size() == 1 ? "" : "s",
