@@ -7,11 +7,15 @@
 //               raised on a MEP and a PM session and cleared on a MEP
 //   faults.bin  demo.bin with one fault of every kind `check` reports, and
 //               alarms whose MEP or session is gone
+//   values.bin  demo.bin with one field value of every kind `check` does
+//               not accept, and names that are not plain ASCII
+//   random.bin  bytes of a fixed-seed generator, the same on every host
 //   short.bin   1000 bytes, not a region
 // Usage: tarvctl_fixture DIRECTORY
 #include <cstdio>
 #include <cstring>
 #include <initializer_list>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -54,6 +58,7 @@ public:
         tarv::set(at(t, slot), f, value);
     }
     void text(Table t, std::uint32_t slot, tarv::Bytes f, const char* value) {
+        std::memset(at(t, slot) + f.offset, 0, f.size);
         std::memcpy(at(t, slot) + f.offset, value, std::min<std::size_t>(std::strlen(value), f.size));
     }
     void fill(Table t, std::uint32_t slot, std::initializer_list<std::uint8_t> bytes, std::uint32_t offset = 0) {
@@ -175,6 +180,31 @@ Region faults(const Region& demo) {
     return r;
 }
 
+// One value of each kind `check` refuses, each a boundary; the demo's other
+// values (MD level 7, CCM periods 2 and 4, a MEP on a LAG) stay accepted.
+Region values(const Region& demo) {
+    Region r = demo;
+    r.set(Table::MdDataArray, 1, tarv::md::eMdLevel, 0u);               // MD 2: level -1
+    r.set(Table::MdDataArray, 2, tarv::md::eMdLevel, 9u);               // MD 3: level 8
+    r.set(Table::MaNetDataArray, 0, tarv::manet::dwCcmPeriod, 8u);      // MA 1/1
+    r.set(Table::MaNetDataArray, 2, tarv::manet::dwCcmPeriod, 0u);      // MA 3/3
+    r.set(Table::MepDataArray, 0, tarv::mep::eDirection, 3u);           // MEP 1/1/1
+    r.set(Table::MepDataArray, 2, tarv::mep::bySlot, std::uint8_t{0});  // MEP 2/2/3
+    r.set(Table::MipDataArray, 0, tarv::mip::byPort, std::uint8_t{0});  // MIP 1/1/1 on slot 1
+    r.set(Table::MepDataArray, 4, tarv::mep::wVid, std::uint16_t{8});   // MEP 3/3/5, its MA's VFI is 7
+    // Not UTF-8 (0xe9), and UTF-8 with a control byte and a backslash.
+    r.text(Table::MdDataArray, 0, tarv::md::acMdName, "Caf\xe9");
+    r.text(Table::MaNetDataArray, 1, tarv::manet::acMaName, "K\xc3\xb6ln\x01\\200");
+    return r;
+}
+
+std::vector<std::uint8_t> random_bytes() {
+    std::vector<std::uint8_t> bytes(tarv::kRegionSize);
+    std::mt19937 generator(20261125);  // its sequence is fixed by the standard
+    for (std::uint8_t& b : bytes) b = static_cast<std::uint8_t>(generator());
+    return bytes;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -186,6 +216,7 @@ int main(int argc, char** argv) {
     Region demo;
     const bool ok = demo.load(dir + "/demo.bin") && Region().save(dir + "/empty.bin") &&
                     demo2(demo).save(dir + "/demo2.bin") && faults(demo).save(dir + "/faults.bin") &&
+                    values(demo).save(dir + "/values.bin") && save(dir + "/random.bin", random_bytes()) &&
                     save(dir + "/short.bin", std::vector<std::uint8_t>(1000));
     if (!ok) std::perror("tarvctl_fixture");
     return ok ? 0 : 1;

@@ -77,6 +77,35 @@ TEST(TarvctlBytes, HexAddressesAndExactTexts) {
     for (const Row& r : rows) EXPECT_EQ(r.parse(r.text), r.bytes) << r.text;
 }
 
+// A name's bytes for a terminal (escaped) and for JSON (UTF-8, U+FFFD for
+// each invalid byte, and then its bytes in hex beside it).
+TEST(TarvctlBytes, NamesForPeopleAndJson) {
+    const std::string bad = "\xef\xbf\xbd";  // U+FFFD
+    struct Row {
+        std::string bytes, text, utf8;  // utf8 "" : the bytes unchanged
+    };
+    const Row rows[] = {
+        {" ~", " ~", ""},
+        {"\x01\x1f\x7f\\", "\\x01\\x1f\\x7f\\\\", ""},
+        {"K\xc3\xb6ln", "K\\xc3\\xb6ln", ""},
+        {"\xf0\x9f\x98\x80\xef\xbf\xbf", "\\xf0\\x9f\\x98\\x80\\xef\\xbf\\xbf", ""},  // U+1F600, U+FFFF
+        {"Caf\xe9", "Caf\\xe9", "Caf" + bad},
+        {"\xc0\x80", "\\xc0\\x80", bad + bad},                           // overlong
+        {"\xed\xa0\x80", "\\xed\\xa0\\x80", bad + bad + bad},            // surrogate
+        {"\xf4\x90\x80\x80", "\\xf4\\x90\\x80\\x80", bad + bad + bad + bad},  // above U+10FFFF
+        {"\xe2\x82" "A", "\\xe2\\x82A", bad + bad + "A"},              // cut short
+    };
+    for (const Row& r : rows) {
+        EXPECT_EQ(escaped(r.bytes), r.text) << r.text;
+        Json j = Json::object();
+        put_name(j, "name", r.bytes);
+        EXPECT_EQ(j.at("name"), r.utf8.empty() ? r.bytes : r.utf8) << r.text;
+        const Bytes raw(reinterpret_cast<const std::uint8_t*>(r.bytes.data()), r.bytes.size());
+        EXPECT_EQ(j.contains("nameHex") ? j.at("nameHex") : Json(), r.utf8.empty() ? Json() : Json(hex(raw))) << r.text;
+        EXPECT_NO_THROW((void)j.dump()) << r.text;
+    }
+}
+
 // ------------------------------------------------------------ JSON records
 
 struct JsonRow {

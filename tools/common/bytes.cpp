@@ -63,11 +63,72 @@ std::string mac(Bytes six) {
     return fmt::format("{:02x}:{:02x}:{:02x}:{:02x}:{:02x}:{:02x}", six[0], six[1], six[2], six[3], six[4], six[5]);
 }
 
-std::string display_text(Bytes field) {
+std::string field_text(Bytes field) {
+    const auto end = std::find(field.begin(), field.end(), std::uint8_t{0});
+    return {field.begin(), end};
+}
+
+std::string escaped(std::string_view bytes) {
     std::string out;
-    for (std::uint8_t b : field) {
-        if (b == 0) break;
-        out += b >= 0x20 && b < 0x7F ? static_cast<char>(b) : '?';
+    out.reserve(bytes.size());
+    for (char ch : bytes) {
+        const auto b = static_cast<std::uint8_t>(ch);
+        if (ch == '\\')
+            out += "\\\\";
+        else if (b >= 0x20 && b < 0x7F)
+            out += ch;
+        else
+            out += fmt::format("\\x{:02x}", b);
+    }
+    return out;
+}
+
+namespace {
+
+// Length of the valid UTF-8 sequence at the start of `s`, 0 when there is
+// none.
+std::size_t utf8_length(std::string_view s) noexcept {
+    const auto at = [&](std::size_t i) { return static_cast<std::uint8_t>(s[i]); };
+    const std::uint8_t lead = at(0);
+    if (lead < 0x80) return 1;
+    std::size_t n = 0;
+    std::uint8_t low = 0x80;  // the second byte's range, narrowed against
+    std::uint8_t high = 0xBF; // overlong forms, surrogates and > U+10FFFF
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        n = 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        n = 3;
+        if (lead == 0xE0) low = 0xA0;
+        if (lead == 0xED) high = 0x9F;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        n = 4;
+        if (lead == 0xF0) low = 0x90;
+        if (lead == 0xF4) high = 0x8F;
+    } else {
+        return 0;
+    }
+    if (s.size() < n || at(1) < low || at(1) > high) return 0;
+    for (std::size_t i = 2; i < n; ++i)
+        if ((at(i) & 0xC0) != 0x80) return 0;
+    return n;
+}
+
+}  // namespace
+
+std::string utf8_or_replaced(std::string_view bytes, bool& valid) {
+    valid = true;
+    std::string out;
+    out.reserve(bytes.size());
+    while (!bytes.empty()) {
+        const std::size_t n = utf8_length(bytes);
+        if (n == 0) {
+            out += "\xEF\xBF\xBD";  // U+FFFD
+            valid = false;
+            bytes.remove_prefix(1);
+        } else {
+            out.append(bytes.substr(0, n));
+            bytes.remove_prefix(n);
+        }
     }
     return out;
 }

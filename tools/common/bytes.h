@@ -37,9 +37,18 @@ inline void store_le32(std::uint8_t* p, std::uint32_t v) noexcept { tarv::store_
 // The six bytes of such an address, or nothing.
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> parse_mac(std::string_view text);
 
-// A text field for people: the bytes up to the first zero, each byte outside
-// printable ASCII shown as '?'.
-[[nodiscard]] std::string display_text(Bytes field);
+// A text field as the region holds it: its bytes up to the first zero,
+// whatever they are. Names and texts stay bytes until they are shown.
+[[nodiscard]] std::string field_text(Bytes field);
+
+// Such bytes for a terminal: printable ASCII as it is, a backslash doubled,
+// every control byte and every byte from 0x7f up as \xHH (lower case).
+[[nodiscard]] std::string escaped(std::string_view bytes);
+
+// Such bytes as UTF-8 for JSON: what is valid UTF-8 (no overlong forms, no
+// surrogates, nothing above U+10FFFF) as it is, each other byte as U+FFFD.
+// `valid` tells whether nothing had to be replaced.
+[[nodiscard]] std::string utf8_or_replaced(std::string_view bytes, bool& valid);
 
 // A text field for JSON without loss: each byte as the code point of the
 // same value (UTF-8), trailing zero bytes dropped; zeros inside stay as

@@ -119,13 +119,13 @@ Configuration Configuration::read() {
     const TransferList mds = TransferList::read(class_of(cls::kMd));
     for (std::size_t i = 0; i < mds.size(); ++i) {
         const KeyIds k = key_ids(mds.def(), mds.key(i));
-        c.mds.push_back(Md{k.id[0], display_text(bytes(mds.record(i), acMdName)),
+        c.mds.push_back(Md{k.id[0], field_text(bytes(mds.record(i), acMdName)),
                            std::int64_t{value(mds.record(i), eMdLevel)} - 1});
     }
     const TransferList mas = TransferList::read(class_of(cls::kMaNet));
     for (std::size_t i = 0; i < mas.size(); ++i) {
         const KeyIds k = key_ids(mas.def(), mas.key(i));
-        c.mas.push_back(Ma{k.id[0], k.id[1], display_text(bytes(mas.record(i), acMaName)),
+        c.mas.push_back(Ma{k.id[0], k.id[1], field_text(bytes(mas.record(i), acMaName)),
                            value(mas.record(i), dwCcmPeriod)});
     }
     const TransferList comps = TransferList::read(class_of(cls::kMaComp));
@@ -148,7 +148,7 @@ Configuration Configuration::read() {
     const TransferList history = TransferList::read(class_of(cls::kHistory));
     for (std::size_t i = 0; i < history.size(); ++i)
         c.history.push_back(HistoryRecord{key_ids(history.def(), history.key(i)).id[0],
-                                          display_text(bytes(history.record(i), acResult))});
+                                          field_text(bytes(history.record(i), acResult))});
     const TransferList pm = TransferList::read(class_of(cls::kPmSession));
     for (std::size_t i = 0; i < pm.size(); ++i) {
         const KeyIds k = key_ids(pm.def(), pm.key(i));
@@ -196,7 +196,7 @@ Alarms Alarms::read(const Configuration& c) {
         const Bytes text_bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
         a.meps.push_back(MepAlarm{slot, named, id[0], id[1], id[2], words[slot],
                                   mep != nullptr && words[slot] != 0 ? mep->alarm_bits : words[slot],
-                                  display_text(text_bytes)});
+                                  field_text(text_bytes)});
     }
     std::array<std::uint8_t, TARV_PM_ALARM_BLOCK_SIZE> block{};
     Tarv__GetPMAlarms(block.data());
@@ -209,7 +209,9 @@ Alarms Alarms::read(const Configuration& c) {
         std::array<char, TARV_MEP_ALARM_INFO_SIZE> info{};
         if (!all_zero(key_bytes)) Tarv__GetMepInfoAbout1731Alarm(key, info.data());
         const auto id = ids_of(&key, 3);
-        a.pm.push_back(PmAlarm{slot, id[0], id[1], id[2], key_bytes[tarv::moid::kSessionIdOffset], word, info.data()});
+        const Bytes info_bytes(reinterpret_cast<const std::uint8_t*>(info.data()), info.size());
+        a.pm.push_back(PmAlarm{slot, id[0], id[1], id[2], key_bytes[tarv::moid::kSessionIdOffset], word,
+                               field_text(info_bytes)});
     }
     a.hw.resize(TARV_MEP_HW_ALARM_BLOCK_SIZE);
     Tarv__GetMEPHWAlarms(a.hw.data());

@@ -37,7 +37,7 @@ private:
 
 struct Md {
     std::uint32_t md;
-    std::string name;
+    std::string name;  // bytes of the region (field_text): escaped() for people, put_name() for JSON
     std::int64_t level;  // the stored level code minus 1
 };
 
@@ -49,7 +49,7 @@ struct MaComp {
 
 struct Ma {
     std::uint32_t md, ma;
-    std::string name;
+    std::string name;  // bytes, as Md::name
     std::uint32_t ccm_period;
 };
 
@@ -78,7 +78,7 @@ struct Throughput {
 
 struct HistoryRecord {
     std::uint32_t id;
-    std::string result;
+    std::string result;  // bytes, as Md::name
 };
 
 struct PmSession {
@@ -124,7 +124,7 @@ struct MepAlarm {
     std::uint32_t md, ma, mep;
     std::uint16_t word;
     std::uint16_t stored;  // the MEP's wAlarmBits when it has a word, before bit 2 is masked
-    std::string text;
+    std::string text;  // bytes, as Md::name
 };
 
 // The alarm of one PM slot: its key (Tarv__GetPMAlarmMoid), its word
@@ -135,7 +135,7 @@ struct PmAlarm {
     std::uint32_t md, ma, mep;
     std::uint8_t session;
     std::uint16_t word;
-    std::string source;
+    std::string source;  // bytes, as Md::name: the library copies the MD and MA names in
 };
 
 struct Alarms {

@@ -125,6 +125,13 @@ std::string label(const ClassDef& c, Bytes key) {
     return text;
 }
 
+void put_name(Json& j, const std::string& key, std::string_view bytes) {
+    bool valid = true;
+    j[key] = utf8_or_replaced(bytes, valid);
+    if (!valid)
+        j[key + "Hex"] = hex(Bytes(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+}
+
 Json key_json(const ClassDef& c, Bytes key) {
     Json j = Json::object();
     const KeyIds ids = key_ids(c, key);

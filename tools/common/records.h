@@ -113,6 +113,11 @@ struct KeyIds {
 // "MEP 1/1/3", "PM session 1/1/1 #2", "throughput history record 7".
 [[nodiscard]] std::string label(const ClassDef& c, Bytes key);
 
+// Sets j[key] to a name or text from the region: a plain string when its
+// bytes are valid UTF-8; otherwise the valid parts with U+FFFD for each
+// other byte, and j[key + "Hex"] holding all its bytes in lower-case hex.
+void put_name(Json& j, const std::string& key, std::string_view bytes);
+
 [[nodiscard]] Json key_json(const ClassDef& c, Bytes key);
 [[nodiscard]] Json record_json(const ClassDef& c, Bytes record);
 

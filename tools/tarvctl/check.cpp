@@ -2,12 +2,14 @@
 // its own. It works on one copy of the region's bytes, slot by slot, since
 // what it looks for (keys in the wrong slot, records behind empty keys,
 // duplicates) is exactly what the library's lists and lookups pass over.
+// It also checks the values of the fields the library acts on: a value it
+// does not know makes it answer for a place or service that does not exist.
 #include <fmt/format.h>
-
 #include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -74,36 +76,40 @@ private:
         return false;
     }
 
-    void add(std::string_view table, std::uint32_t slot, std::string problem) {
-        findings_.push_back(Finding{table, slot, std::move(problem)});
+    void add(std::string_view table, std::uint32_t slot, std::string_view kind, std::string problem) {
+        findings_.push_back(Finding{table, slot, kind, std::move(problem)});
     }
 
     void check_slot(const ClassDef& c, std::uint32_t s) {
         const Bytes k = key(c, s);
         if (all_zero(k)) {
-            if (!all_zero(record(c, s))) add(c.data.name, s, "record bytes behind an empty key");
+            if (!all_zero(record(c, s)))
+                add(c.data.name, s, "recordBehindEmptyKey", "record bytes behind an empty key");
             return;
         }
         const std::string name = label(c, k);
         const KeyIds ids = key_ids(c, k);
         if (c.rule == Rule::List && !c.session_keyed() && ids.cls != c.id)
-            add(c.keys.name, s, fmt::format("{}: key of class {} in the table of class {}", name, ids.cls, c.id));
+            add(c.keys.name, s, "wrongClass",
+                fmt::format("{}: key of class {} in the table of class {}", name, ids.cls, c.id));
         if (c.placement == Placement::LastId) {
             const std::uint32_t instance = ids.id[ids.count - 1] & 0xFFFFu;
             if (instance == 0 || instance > c.slots)
-                add(c.keys.name, s,
+                add(c.keys.name, s, "noSlot",
                     fmt::format("{}: instance {} has no slot (instances run from 1 to {})", name, instance, c.slots));
             else if (instance - 1 != s)
-                add(c.keys.name, s, fmt::format("{}: belongs in slot {}", name, instance - 1));
+                add(c.keys.name, s, "wrongSlot", fmt::format("{}: belongs in slot {}", name, instance - 1));
         }
         if (c.session_keyed()) {
             if (s == 0)
-                add(c.keys.name, s, fmt::format("{}: slot 0 is never used", name));
+                add(c.keys.name, s, "slotZero", fmt::format("{}: slot 0 is never used", name));
             else if (ids.session != s)
-                add(c.keys.name, s, fmt::format("{}: session id {} does not match the slot", name, ids.session));
+                add(c.keys.name, s, "sessionMismatch",
+                    fmt::format("{}: session id {} does not match the slot", name, ids.session));
         }
         const auto [first, fresh] = seen_.try_emplace(std::string(k.begin(), k.end()), s);
-        if (!fresh) add(c.keys.name, s, fmt::format("{}: same key as slot {}", name, first->second));
+        if (!fresh)
+            add(c.keys.name, s, "duplicateKey", fmt::format("{}: same key as slot {}", name, first->second));
         if (!listed(c, s)) return;
         for (const Parent& p : kParents) {
             if (p.child != c.id) continue;
@@ -113,10 +119,78 @@ private:
             std::copy_n(k.begin() + 2, 4 * p.ids, parent.begin() + 2);
             if (!exists(class_of(p.parent), Bytes(parent).first(2 + 4 * p.ids))) {
                 std::vector<std::uint32_t> path(ids.id, ids.id + p.ids);
-                add(c.keys.name, s, fmt::format("{}: its {} {} is missing", name, p.what, fmt::join(path, "/")));
+                add(c.keys.name, s, "missingParent",
+                    fmt::format("{}: its {} {} is missing", name, p.what, fmt::join(path, "/")));
             }
         }
         if (c.id == cls::kMaNet) check_components(c, s, k);
+        check_values(c, s, k, name);
+    }
+
+    // The CCM intervals of IEEE 802.1ag (dot1agCfmMaNetCcmInterval): 1 for
+    // 3.3 ms up to 7 for 10 min; 0 is "invalid".
+    static constexpr std::uint32_t kCcmPeriods = 7;
+    static constexpr std::int64_t kTopLevel = 7;
+
+    // The fields the library acts on hold values it knows: MD levels 0-7,
+    // CCM intervals, a MEP's direction, places the chassis has (the port
+    // library numbers slots and ports from 1; a LAG id is any byte), a MEP
+    // VID that one of its MA's components carries.
+    void check_values(const ClassDef& c, std::uint32_t s, Bytes k, const std::string& name) {
+        using namespace field;
+        const Bytes r = record(c, s);
+        if (c.id != cls::kMd && c.id != cls::kMaNet && c.id != cls::kMep && c.id != cls::kMip) return;
+        if (all_zero(r)) {
+            // Every value of such a record is wrong: one finding says so.
+            add(c.data.name, s, "emptyRecord", fmt::format("{}: its record is all zero bytes", name));
+            return;
+        }
+        if (c.id == cls::kMd) {
+            const std::int64_t level = std::int64_t{value(r, eMdLevel)} - 1;
+            if (level < 0 || level > kTopLevel)
+                add(c.data.name, s, "mdLevel",
+                    fmt::format("{}: level {} outside 0-{} (level code {})", name, level, kTopLevel, level + 1));
+        } else if (c.id == cls::kMaNet) {
+            const std::uint32_t period = value(r, dwCcmPeriod);
+            if (period == 0 || period > kCcmPeriods)
+                add(c.data.name, s, "ccmPeriod",
+                    fmt::format("{}: CCM period {} is no CCM interval (1 to {})", name, period, kCcmPeriods));
+        } else if (c.id == cls::kMep) {
+            const std::uint32_t direction = value(r, eDirection);
+            if (direction != tarv::mep::kDown && direction != tarv::mep::kUp)
+                add(c.data.name, s, "direction",
+                    fmt::format("{}: direction {} is neither Down ({}) nor Up ({})", name, direction,
+                                tarv::mep::kDown, tarv::mep::kUp));
+            check_place(c, s, name, value(r, byMepSlot), value(r, byMepPort));
+            check_vid(c, s, k, name, value(r, wMepVid));
+        } else if (c.id == cls::kMip) {
+            check_place(c, s, name, value(r, byMipSlot), value(r, byMipPort));
+        }
+    }
+
+    void check_place(const ClassDef& c, std::uint32_t s, const std::string& name, std::uint32_t slot,
+                     std::uint32_t port) {
+        if (slot == 0)
+            add(c.data.name, s, "place", fmt::format("{}: on slot 0, which the chassis does not have", name));
+        else if (slot != tarv::mep::kLagSlot && port == 0)
+            add(c.data.name, s, "place", fmt::format("{}: on port 0 of slot {}, which the chassis does not have",
+                                                     name, slot));
+    }
+
+    // A MEP's VID is the one of its service: some component of its MA must
+    // carry it (an MA without components is a finding of its own).
+    void check_vid(const ClassDef& mep, std::uint32_t s, Bytes k, const std::string& name, std::uint32_t vid) {
+        const ClassDef& comps = class_of(cls::kMaComp);
+        std::vector<std::uint32_t> carried;
+        for (std::uint32_t i = 0; i < comps.slots; ++i) {
+            const Bytes ck = key(comps, i);
+            if (listed(comps, i) && std::equal(k.begin() + 2, k.begin() + 10, ck.begin() + 2))
+                carried.push_back(value(record(comps, i), field::wCompVid));
+        }
+        if (!carried.empty() && std::find(carried.begin(), carried.end(), vid) == carried.end())
+            add(mep.data.name, s, "vid",
+                fmt::format("{}: VID {} is not the VID of its MA's components ({})", name, vid,
+                            fmt::join(carried, ", ")));
     }
 
     // An MA with MEPs needs a component: the library resolves a MEP's
@@ -131,7 +205,7 @@ private:
             return exists(class_of(id), Bytes(ma));
         };
         if (has(cls::kMep) && !has(cls::kMaComp))
-            add(manet.keys.name, s, fmt::format("{}: has MEPs but no MA component", label(manet, k)));
+            add(manet.keys.name, s, "noComponent", fmt::format("{}: has MEPs but no MA component", label(manet, k)));
     }
 
     Bytes region_;
@@ -144,35 +218,63 @@ private:
 std::vector<Finding> find_inconsistencies(Bytes region) { return Checker(region).run(); }
 
 void add_check(CLI::App& app, const Options& options, Commands& commands) {
-    auto json = std::make_shared<bool>(false);
+    struct Args {
+        bool json = false;
+        std::size_t max_findings = 20;
+    };
+    auto args = std::make_shared<Args>();
     CLI::App* check = app.add_subcommand("check", "Check the region's consistency");
     check->footer(
         "Check the region's consistency, as no library call does: objects whose MD, MA or MEP is missing, MAs "
         "with MEPs but no MA component, keys whose identifier does not match their slot or whose class does not "
         "match their table, duplicate keys, records behind empty keys, PM entries whose session id does not "
-        "match their slot.\nOne line per finding: table, slot, what is wrong. Exit status 0 when there is none, 1 "
-        "with findings.");
-    check->add_flag("--json", *json, "JSON on standard output, for scripts");
-    commands.add(check, [&options, json] {
+        "match their slot; and field values the library does not know: a record of zero bytes only, an MD level "
+        "outside 0-7, a CCM period "
+        "that is no CCM interval (1 to 7), a MEP direction other than Down (1) and Up (2), a MEP or MIP on slot 0 "
+        "or on port 0, a MEP VID that no component of its MA carries.\n"
+        "One line per finding (table, index, what is wrong), at most --max-findings of them, then a summary with "
+        "the count of each kind. Exit status 0 when there is none, 1 with findings.");
+    check->add_flag("--json", args->json, "JSON on standard output, for scripts");
+    check->add_option("--max-findings", args->max_findings, "List at most N findings (default 20; 0: all)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 1000000));
+    commands.add(check, [&options, args] {
         const DataRegion region = DataRegion::attach(options);
         const std::vector<std::uint8_t> bytes = region.copy();
         const std::vector<Finding> findings = find_inconsistencies(bytes);
-        if (*json) {
+        const std::size_t listed =
+            args->max_findings == 0 ? findings.size() : std::min(findings.size(), args->max_findings);
+        std::map<std::string_view, std::size_t> counts;
+        for (const Finding& f : findings) ++counts[f.kind];
+        if (args->json) {
             Json list = Json::array();
-            for (const Finding& f : findings)
-                list.push_back({{"table", f.table}, {"slot", f.slot}, {"problem", f.problem}});
-            print_json({{"region", region.where()}, {"findings", list}});
-        } else {
-            for (const Finding& f : findings)
-                fmt::print("{} slot {}: {}\n", paint(stdout, Tone::Note, f.table), f.slot, f.problem);
-            if (findings.empty())
-                fmt::print("{}\n", paint(stdout, Tone::Good, fmt::format("no findings in {}", region.where())));
-            else
-                fmt::print("{}\n", paint(stdout, Tone::Bad,
-                                         fmt::format("{} finding{} in {}", findings.size(),
-                                                     findings.size() == 1 ? "" : "s", region.where())));
+            for (std::size_t i = 0; i < listed; ++i) {
+                const Finding& f = findings[i];
+                list.push_back({{"table", f.table}, {"index", f.slot}, {"kind", f.kind}, {"problem", f.problem}});
+            }
+            Json by_kind = Json::object();
+            for (const auto& count : counts) by_kind[std::string(count.first)] = count.second;
+            print_json(
+                {{"region", region.where()}, {"total", findings.size()}, {"counts", by_kind}, {"findings", list}});
+            return findings.empty() ? kExitOk : kExitFindings;
         }
-        return findings.empty() ? kExitOk : kExitFindings;
+        for (std::size_t i = 0; i < listed; ++i) {
+            const Finding& f = findings[i];
+            fmt::print("{} slot {}: {}\n", paint(stdout, Tone::Note, f.table), f.slot, f.problem);
+        }
+        if (listed < findings.size())
+            fmt::print("... {} more not listed (--max-findings)\n", findings.size() - listed);
+        if (findings.empty()) {
+            fmt::print("{}\n", paint(stdout, Tone::Good, fmt::format("no findings in {}", region.where())));
+            return kExitOk;
+        }
+        std::vector<std::string> kinds;
+        kinds.reserve(counts.size());
+        for (const auto& count : counts) kinds.push_back(fmt::format("{} {}", count.first, count.second));
+        fmt::print("{}\n", paint(stdout, Tone::Bad,
+                                 fmt::format("{} finding{} in {}: {}", findings.size(), findings.size() == 1 ? "" : "s",
+                                             region.where(), fmt::join(kinds, ", "))));
+        return kExitFindings;
     });
 }
 

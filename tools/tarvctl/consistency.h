@@ -15,7 +15,8 @@ using namespace tarvtool;  // the shared tool library
 
 struct Finding {
     std::string_view table;
-    std::uint32_t slot;
+    std::uint32_t slot;     // of the table
+    std::string_view kind;  // what kind of fault, one word: "missingParent", "direction", ...
     std::string problem;
 };
 

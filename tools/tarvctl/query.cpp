@@ -18,6 +18,7 @@
 #include "common/objects.h"
 #include "platform/prtm.h"
 #include "query.h"
+#include "show.h"
 #include "common/records.h"
 #include "common/status.h"
 #include "style.h"
@@ -49,13 +50,19 @@ public:
         for (const Row& r : rows_) j[r.call] = r.answer;
         return j;
     }
-    // "yes", "no", a list of objects, or "-" for an empty one.
+    // "1/1/3" for a MEP or MIP reference.
+    static std::string point_text(const Json& point) {
+        const Json& last = point.contains("mip") ? point.at("mip") : point.at("mep");
+        return path_text({point.at("md").get<std::uint32_t>(), point.at("ma").get<std::uint32_t>(),
+                          last.get<std::uint32_t>()});
+    }
+    // "yes", "no", a list of points, or "-" for an empty one.
     static std::string text(const Json& answer) {
         if (answer.is_boolean()) return yes_no(answer.get<bool>());
         if (answer.is_array()) {
             if (answer.empty()) return "-";
             std::vector<std::string> items;
-            for (const Json& a : answer) items.push_back(a.is_string() ? a.get<std::string>() : a.dump());
+            for (const Json& a : answer) items.push_back(a.is_object() ? point_text(a) : a.dump());
             return fmt::format("{}", fmt::join(items, ", "));
         }
         return answer.is_string() ? answer.get<std::string>() : answer.dump();
@@ -79,10 +86,32 @@ TARV_MOID moid_of(std::uint32_t md, std::uint32_t ma, std::uint32_t mep) {
     return moid;
 }
 
-// Reads back a MOID the library handed out, whose bytes are little-endian.
-std::string path_of(const TARV_MOID& moid) {
+// The MEP a MOID the library handed out names; its bytes are little-endian.
+Json mep_of(const Configuration& c, const TARV_MOID& moid) {
     const auto* k = reinterpret_cast<const std::uint8_t*>(&moid);
-    return path_text({le32(k + 2), le32(k + 6), le32(k + 10)});
+    return mep_json(c, le32(k + 2), le32(k + 6), le32(k + 10));
+}
+
+// A MIP as JSON names it.
+Json mip_json(const Mip& m) { return {{"md", m.md}, {"ma", m.ma}, {"mip", m.mip}}; }
+
+// What the region places on (slot, port), as JSON: the MEPs with their
+// direction and service, the MIPs.
+Json points_json(const Configuration& c, std::uint8_t slot, std::uint8_t port) {
+    Json meps = Json::array();
+    for (const Mep& m : c.meps) {
+        if (m.slot != slot || m.port != port) continue;
+        const auto comps = c.comps_of(m.md, m.ma);
+        Json j = mep_json(c, m.md, m.ma, m.mep);
+        j["direction"] = direction_text(m.direction);
+        j["tagging"] = comps.empty() ? Json(nullptr) : Json(tagging_text(comps.front()->tagging));
+        j["vid"] = m.vid;
+        meps.push_back(std::move(j));
+    }
+    Json mips = Json::array();
+    for (const Mip& m : c.mips)
+        if (m.slot == slot && m.port == port) mips.push_back(mip_json(m));
+    return {{"meps", meps}, {"mips", mips}};
 }
 
 // "MEP 3/3/5 (id 301, Down, VFI 7), MIP 1/1/1 (MA 1/1)" for what the
@@ -117,7 +146,7 @@ struct IdQuestion {
     std::function<Json(std::int32_t)> ask;
 };
 
-std::vector<IdQuestion> id_questions(std::int32_t s, std::int32_t p) {
+std::vector<IdQuestion> id_questions(const Configuration& c, std::int32_t s, std::int32_t p) {
     auto yes = [](std::uint32_t answer) { return Json(answer != 0); };
     return {
         {"a MEP on the port with it as S-VLAN", "Tarv__IsOamEnabledOnPortSVlan",
@@ -138,14 +167,14 @@ std::vector<IdQuestion> id_questions(std::int32_t s, std::int32_t p) {
         {"registering it as C-VID cuts off OAM", "Tarv__IsCVidRegistrationsUsedByOam",
          [=](std::int32_t v) { return yes(Tarv__IsCVidRegistrationsUsedByOam(s, p, v, 0, 0, 0, 0)); }},
         {"the Down MEPs with it as C-VLAN", "Tarv__FindDownMepFromSomeWhereOnCVlanPort",
-         [=](std::int32_t v) {
+         [=, &c](std::int32_t v) {
              Json found = Json::array();
              TARV_MOID moid{};
              std::array<std::uint8_t, TARV_MEP_RECORD_SIZE> record{};
              // Each call hands out the next one from the index given.
              for (std::int32_t at = 0; Tarv__FindDownMepFromSomeWhereOnCVlanPort(s, p, v, &at, &moid, record.data()) != 0;
                   ++at)
-                 found.push_back(path_of(moid));
+                 found.push_back(mep_of(c, moid));
              return found;
          }},
         {"a MIP with it as C-VLAN", "Tarv__DoesMipExistOnCVlanPort",
@@ -153,7 +182,10 @@ std::vector<IdQuestion> id_questions(std::int32_t s, std::int32_t p) {
              Json found = Json::array();
              TARV_MOID moid{};
              std::array<std::uint8_t, TARV_MIP_RECORD_SIZE> record{};
-             if (Tarv__DoesMipExistOnCVlanPort(s, p, v, &moid, record.data()) != 0) found.push_back(path_of(moid));
+             if (Tarv__DoesMipExistOnCVlanPort(s, p, v, &moid, record.data()) != 0) {
+                 const auto* k = reinterpret_cast<const std::uint8_t*>(&moid);
+                 found.push_back({{"md", le32(k + 2)}, {"ma", le32(k + 6)}, {"mip", le32(k + 10)}});
+             }
              return found;
          }},
     };
@@ -181,7 +213,7 @@ int port(const Options& options, const PortArgs& args) {
     Json down = Json::array();
     for (const Mep& m : c.meps)
         if (Tarv__IsOamEnabledForMepOnPort(s, p, moid_of(m.md, m.ma, m.mep)) != 0)
-            down.push_back(path_text({m.md, m.ma, m.mep}));
+            down.push_back(mep_json(c, m.md, m.ma, m.mep));
     answers.add("Down MEPs on the port, asked MEP by MEP", "Tarv__IsOamEnabledForMepOnPort", down);
     // The range finders answer 0 when they find something.
     const std::string span = fmt::format("on a VLAN of {}-{}", range.low, range.high);
@@ -197,7 +229,7 @@ int port(const Options& options, const PortArgs& args) {
                     Tarv__FindAllMipOnPort(s, p, range.low, range.high, low, high) == 0);
     }
 
-    const std::vector<IdQuestion> questions = id_questions(s, p);
+    const std::vector<IdQuestion> questions = id_questions(c, s, p);
     const std::set<std::uint32_t> found = ids_on_port(c, at.slot, at.port);
     ids.insert(found.begin(), found.end());
     std::vector<std::vector<Json>> by_question(questions.size());  // a column per id
@@ -215,7 +247,10 @@ int port(const Options& options, const PortArgs& args) {
             by_id[std::to_string(id)] = j;
             ++column;
         }
-        print_json({{"slot", at.slot}, {"port", at.port}, {"answers", answers.json()}, {"ids", by_id}});
+        print_json({{"port", place_json(at.slot, at.port)},
+                    {"points", points_json(c, at.slot, at.port)},
+                    {"answers", answers.json()},
+                    {"ids", by_id}});
         return status;
     }
     fmt::print("Port {}{}: {}\n\n", path_text({at.slot, at.port}),
@@ -241,16 +276,42 @@ int port(const Options& options, const PortArgs& args) {
 }
 
 // The MA components with this id and tagging, for context.
-std::string components_with(const Configuration& c, std::uint32_t id, std::initializer_list<std::uint32_t> taggings) {
-    std::vector<std::string> found;
-    for (const MaComp& comp : c.comps) {
-        if (comp.vid != id || std::find(taggings.begin(), taggings.end(), comp.tagging) == taggings.end()) continue;
-        const Ma* ma = c.find_ma(comp.md, comp.ma);
-        found.push_back(fmt::format("{} ({} of MA {}{})", path_text({comp.md, comp.ma, comp.comp}),
-                                    tagging_text(comp.tagging), path_text({comp.md, comp.ma}),
-                                    ma != nullptr ? fmt::format(" \"{}\"", ma->name) : ""));
+std::vector<const MaComp*> components_with(const Configuration& c, std::uint32_t id,
+                                           std::initializer_list<std::uint32_t> taggings) {
+    std::vector<const MaComp*> found;
+    for (const MaComp& comp : c.comps)
+        if (comp.vid == id && std::find(taggings.begin(), taggings.end(), comp.tagging) != taggings.end())
+            found.push_back(&comp);
+    return found;
+}
+
+// "1/1/1 (C-VLAN of MA 1/1 "CustomerVPN-100")" for each, "none" for none.
+std::string components_text(const Configuration& c, const std::vector<const MaComp*>& comps) {
+    std::vector<std::string> texts;
+    for (const MaComp* comp : comps) {
+        const Ma* ma = c.find_ma(comp->md, comp->ma);
+        texts.push_back(fmt::format("{} ({} of MA {}{})", path_text({comp->md, comp->ma, comp->comp}),
+                                    tagging_text(comp->tagging), path_text({comp->md, comp->ma}),
+                                    ma != nullptr ? fmt::format(" \"{}\"", escaped(ma->name)) : ""));
     }
-    return found.empty() ? "none" : fmt::format("{}", fmt::join(found, ", "));
+    return texts.empty() ? "none" : fmt::format("{}", fmt::join(texts, ", "));
+}
+
+Json components_json(const Configuration& c, const std::vector<const MaComp*>& comps) {
+    Json list = Json::array();
+    for (const MaComp* comp : comps) {
+        Json j = {{"md", comp->md},
+                  {"ma", comp->ma},
+                  {"component", comp->comp},
+                  {"tagging", tagging_text(comp->tagging)}};
+        const Ma* ma = c.find_ma(comp->md, comp->ma);
+        if (ma != nullptr)
+            put_name(j, "maName", ma->name);
+        else
+            j["maName"] = nullptr;
+        list.push_back(std::move(j));
+    }
+    return list;
 }
 
 int switch_wide(const Options& options, bool vfi, const std::string& text, bool json) {
@@ -271,11 +332,11 @@ int switch_wide(const Options& options, bool vfi, const std::string& text, bool 
         used = s || cv;
     }
     const std::string what = vfi ? "VFI" : "VLAN";
+    const auto comps = vfi ? components_with(c, id, {kVfi}) : components_with(c, id, {kCVlan, kSVlan});
     if (json) {
-        print_json({{vfi ? "vfi" : "vid", id}, {"answers", answers.json()}});
+        print_json({{vfi ? "vfi" : "vid", id}, {"components", components_json(c, comps)}, {"answers", answers.json()}});
     } else {
-        fmt::print("{} {}: MA components {}\n\n", what, id,
-                   vfi ? components_with(c, id, {kVfi}) : components_with(c, id, {kCVlan, kSVlan}));
+        fmt::print("{} {}: MA components {}\n\n", what, id, components_text(c, comps));
         answers.print();
     }
     return used ? kExitOk : kExitFindings;
@@ -309,6 +370,7 @@ int lag(const Options& options, const std::string& text, bool json) {
         for (const auto& [member_slot, member_port] : members)
             m.push_back({{"slot", member_slot}, {"port", member_port}});
         print_json({{"lag", id},
+                    {"points", points_json(c, kLagSlot, id)},
                     {"answers", {{"Tarv__IsOamEnabledOnLagOpt", used}}},
                     {"ccmPeriod", used ? Json(period) : Json(nullptr)},
                     {"members", m}});
@@ -344,9 +406,7 @@ int slot(const Options& options, const std::string& text, std::int32_t ccm_perio
         total += units;
         t.add({path_text({m.md, m.ma, m.mep}), port_text(m.slot, m.port),
                ma != nullptr ? std::to_string(period) : "no MA", std::to_string(ports), std::to_string(units)});
-        meps.push_back({{"md", m.md},
-                        {"ma", m.ma},
-                        {"mep", m.mep},
+        meps.push_back({{"mep", mep_json(c, m.md, m.ma, m.mep)},
                         {"ccmPeriod", ma != nullptr ? Json(period) : Json(nullptr)},
                         {"ports", ports},
                         {"units", units}});

@@ -22,7 +22,16 @@ std::string count_text(std::size_t n, std::string_view one, std::string_view man
     return fmt::format("{} {}", n, n == 1 ? one : many);
 }
 
-Json or_null(const std::string* text) { return text != nullptr ? Json(*text) : Json(nullptr); }
+// "-" for a name the region does not have.
+std::string name_text(const std::string* name) { return name != nullptr ? escaped(*name) : "-"; }
+
+// j[key] as put_name sets it, or null for a name the region does not have.
+void put_name_or_null(Json& j, const std::string& key, const std::string* name) {
+    if (name != nullptr)
+        put_name(j, key, *name);
+    else
+        j[key] = nullptr;
+}
 
 const std::string* ma_name(const Configuration& c, std::uint32_t md, std::uint32_t ma) {
     const Ma* found = c.find_ma(md, ma);
@@ -68,19 +77,21 @@ std::size_t in_md(const std::vector<T>& objects, std::uint32_t md) {
 void mds_text(const Configuration& c) {
     Table t({"MD", "NAME", "LEVEL", "MAS", "MEPS"});
     for (const Md& md : c.mds)
-        t.add({std::to_string(md.md), md.name, std::to_string(md.level), std::to_string(in_md(c.mas, md.md)),
+        t.add({std::to_string(md.md), escaped(md.name), std::to_string(md.level), std::to_string(in_md(c.mas, md.md)),
                std::to_string(in_md(c.meps, md.md))});
     print_table_or_none(t, "no MDs");
 }
 
 Json mds_json(const Configuration& c) {
     Json list = Json::array();
-    for (const Md& md : c.mds)
-        list.push_back({{"md", md.md},
-                        {"name", md.name},
-                        {"level", md.level},
-                        {"mas", in_md(c.mas, md.md)},
-                        {"meps", in_md(c.meps, md.md)}});
+    for (const Md& md : c.mds) {
+        Json j = {{"md", md.md}};
+        put_name(j, "name", md.name);
+        j["level"] = md.level;
+        j["mas"] = in_md(c.mas, md.md);
+        j["meps"] = in_md(c.meps, md.md);
+        list.push_back(std::move(j));
+    }
     return list;
 }
 
@@ -92,7 +103,7 @@ std::size_t mips_in_ma(const Configuration& c, std::uint32_t md, std::uint32_t m
 void mas_text(const Configuration& c) {
     Table t({"MA", "NAME", "TAGGING", "CCM PERIOD", "MEPS", "MIPS"});
     for (const Ma& ma : c.mas)
-        t.add({path_text({ma.md, ma.ma}), ma.name, components_text(c, ma), std::to_string(ma.ccm_period),
+        t.add({path_text({ma.md, ma.ma}), escaped(ma.name), components_text(c, ma), std::to_string(ma.ccm_period),
                std::to_string(meps_in_ma(c, ma.md, ma.ma)), std::to_string(mips_in_ma(c, ma.md, ma.ma))});
     print_table_or_none(t, "no MAs");
 }
@@ -103,22 +114,15 @@ Json mas_json(const Configuration& c) {
         Json comps = Json::array();
         for (const MaComp* comp : c.comps_of(ma.md, ma.ma))
             comps.push_back({{"component", comp->comp}, {"tagging", tagging_text(comp->tagging)}, {"vid", comp->vid}});
-        list.push_back({{"md", ma.md},
-                        {"ma", ma.ma},
-                        {"name", ma.name},
-                        {"ccmPeriod", ma.ccm_period},
-                        {"components", comps},
-                        {"meps", meps_in_ma(c, ma.md, ma.ma)},
-                        {"mips", mips_in_ma(c, ma.md, ma.ma)}});
+        Json j = {{"md", ma.md}, {"ma", ma.ma}};
+        put_name(j, "name", ma.name);
+        j["ccmPeriod"] = ma.ccm_period;
+        j["components"] = std::move(comps);
+        j["meps"] = meps_in_ma(c, ma.md, ma.ma);
+        j["mips"] = mips_in_ma(c, ma.md, ma.ma);
+        list.push_back(std::move(j));
     }
     return list;
-}
-
-Json place_json(Json j, std::uint8_t slot, std::uint8_t port) {
-    j["slot"] = slot;
-    j["port"] = port;
-    j["lag"] = slot == kLagSlot ? Json(port) : Json(nullptr);
-    return j;
 }
 
 void meps_text(const Configuration& c) {
@@ -126,7 +130,7 @@ void meps_text(const Configuration& c) {
     for (const Mep& m : c.meps) {
         const std::string* name = ma_name(c, m.md, m.ma);
         const MaComp* comp = first_comp(c, m.md, m.ma);
-        t.add({path_text({m.md, m.ma, m.mep}), std::to_string(m.id), name != nullptr ? *name : "-",
+        t.add({path_text({m.md, m.ma, m.mep}), std::to_string(m.id), name_text(name),
                port_text(m.slot, m.port), std::to_string(m.vid), comp != nullptr ? tagging_text(comp->tagging) : "-",
                direction_text(m.direction), m.mac});
     }
@@ -137,12 +141,8 @@ Json meps_json(const Configuration& c) {
     Json list = Json::array();
     for (const Mep& m : c.meps) {
         const MaComp* comp = first_comp(c, m.md, m.ma);
-        Json j = {{"md", m.md},
-                  {"ma", m.ma},
-                  {"mep", m.mep},
-                  {"mepId", m.id},
-                  {"maName", or_null(ma_name(c, m.md, m.ma))}};
-        j = place_json(std::move(j), m.slot, m.port);
+        Json j = mep_json(c, m.md, m.ma, m.mep);
+        put_name_or_null(j, "maName", ma_name(c, m.md, m.ma));
         j["vid"] = m.vid;
         j["tagging"] = comp != nullptr ? Json(tagging_text(comp->tagging)) : Json(nullptr);
         j["direction"] = direction_text(m.direction);
@@ -156,7 +156,7 @@ void mips_text(const Configuration& c) {
     Table t({"MIP", "MA", "PORT", "MAC"});
     for (const Mip& m : c.mips) {
         const std::string* name = ma_name(c, m.md, m.ma);
-        t.add({path_text({m.md, m.ma, m.mip}), name != nullptr ? *name : "-", port_text(m.slot, m.port), m.mac});
+        t.add({path_text({m.md, m.ma, m.mip}), name_text(name), port_text(m.slot, m.port), m.mac});
     }
     print_table_or_none(t, "no MIPs");
 }
@@ -164,8 +164,8 @@ void mips_text(const Configuration& c) {
 Json mips_json(const Configuration& c) {
     Json list = Json::array();
     for (const Mip& m : c.mips) {
-        Json j = {{"md", m.md}, {"ma", m.ma}, {"mip", m.mip}, {"maName", or_null(ma_name(c, m.md, m.ma))}};
-        j = place_json(std::move(j), m.slot, m.port);
+        Json j = {{"md", m.md}, {"ma", m.ma}, {"mip", m.mip}, {"port", place_json(m.slot, m.port)}};
+        put_name_or_null(j, "maName", ma_name(c, m.md, m.ma));
         j["mac"] = m.mac;
         list.push_back(std::move(j));
     }
@@ -175,11 +175,6 @@ Json mips_json(const Configuration& c) {
 std::string mep_id_text(const Configuration& c, std::uint32_t md, std::uint32_t ma, std::uint32_t mep) {
     const Mep* m = c.find_mep(md, ma, mep);
     return m != nullptr ? std::to_string(m->id) : "-";
-}
-
-Json mep_id_json(const Configuration& c, std::uint32_t md, std::uint32_t ma, std::uint32_t mep) {
-    const Mep* m = c.find_mep(md, ma, mep);
-    return m != nullptr ? Json(m->id) : Json(nullptr);
 }
 
 // A throughput test is enabled when its status is 2.
@@ -196,18 +191,15 @@ void throughput_text(const Configuration& c) {
     if (c.history.empty()) return;
     fmt::print("\n");
     Table h({"HISTORY", "RESULT"});
-    for (const HistoryRecord& r : c.history) h.add({std::to_string(r.id), r.result});
+    for (const HistoryRecord& r : c.history) h.add({std::to_string(r.id), escaped(r.result)});
     h.print(stdout);
 }
 
 Json throughput_json(const Configuration& c) {
     Json tests = Json::array();
     for (const Throughput& x : c.throughput)
-        tests.push_back({{"md", x.md},
-                         {"ma", x.ma},
-                         {"mep", x.mep},
+        tests.push_back({{"mep", mep_json(c, x.md, x.ma, x.mep)},
                          {"test", x.test},
-                         {"mepId", mep_id_json(c, x.md, x.ma, x.mep)},
                          {"enabled", x.status == kEnabled},
                          {"enableStatus", x.status},
                          {"operandA", x.a},
@@ -215,7 +207,11 @@ Json throughput_json(const Configuration& c) {
                          {"operandC", x.c},
                          {"derived", x.d}});
     Json history = Json::array();
-    for (const HistoryRecord& r : c.history) history.push_back({{"id", r.id}, {"result", r.result}});
+    for (const HistoryRecord& r : c.history) {
+        Json j = {{"id", r.id}};
+        put_name(j, "result", r.result);
+        history.push_back(std::move(j));
+    }
     return {{"tests", tests}, {"anyEnabled", c.throughput_enabled}, {"history", history}};
 }
 
@@ -225,20 +221,18 @@ void pm_text(const Configuration& c) {
         const Mep* m = c.find_mep(s.md, s.ma, s.mep);
         const std::string* name = ma_name(c, s.md, s.ma);
         t.add({path_text({s.md, s.ma, s.mep}), std::to_string(s.session), m != nullptr ? std::to_string(m->id) : "-",
-               m != nullptr ? port_text(m->slot, m->port) : "-", name != nullptr ? *name : "-"});
+               m != nullptr ? port_text(m->slot, m->port) : "-", name_text(name)});
     }
     print_table_or_none(t, "no PM sessions");
 }
 
 Json pm_json(const Configuration& c) {
     Json list = Json::array();
-    for (const PmSession& s : c.pm)
-        list.push_back({{"md", s.md},
-                        {"ma", s.ma},
-                        {"mep", s.mep},
-                        {"session", s.session},
-                        {"mepId", mep_id_json(c, s.md, s.ma, s.mep)},
-                        {"maName", or_null(ma_name(c, s.md, s.ma))}});
+    for (const PmSession& s : c.pm) {
+        Json j = {{"mep", mep_json(c, s.md, s.ma, s.mep)}, {"session", s.session}};
+        put_name_or_null(j, "maName", ma_name(c, s.md, s.ma));
+        list.push_back(std::move(j));
+    }
     return list;
 }
 
@@ -251,11 +245,7 @@ void bwn_text(const Configuration& c) {
 Json bwn_json(const Configuration& c) {
     Json list = Json::array();
     for (const Bwn& b : c.bwn)
-        list.push_back({{"md", b.md},
-                        {"ma", b.ma},
-                        {"mep", b.mep},
-                        {"mepId", mep_id_json(c, b.md, b.ma, b.mep)},
-                        {"record", b.data}});
+        list.push_back({{"mep", mep_json(c, b.md, b.ma, b.mep)}, {"record", b.data}});
     return list;
 }
 
@@ -272,19 +262,19 @@ std::string word_text(std::uint16_t word) { return fmt::format("{:#06x}", word);
 
 void alarms_text(const Configuration& c) {
     const Alarms a = Alarms::read(c);
-    Table meps({"MEP", "SLOT", "ALARMS", "BITS", "TEXT"});
+    Table meps({"MEP", "INDEX", "ALARMS", "BITS", "TEXT"});
     for (const MepAlarm& m : a.meps) {
         std::string word = word_text(m.word);
         if (m.stored != m.word) word += fmt::format(" ({} stored)", word_text(m.stored));
         meps.add({m.named ? path_text({m.md, m.ma, m.mep}) : "-", std::to_string(m.slot), word, bits_text(m.word),
-                  m.text.empty() ? "-" : m.text});
+                  m.text.empty() ? "-" : escaped(m.text)});
     }
     print_table_or_none(meps, "no MEP alarms");
     fmt::print("\n");
-    Table pm({"PM SESSION", "SLOT", "ALARMS", "BITS", "ALARM SOURCE"});
+    Table pm({"PM SESSION", "INDEX", "ALARMS", "BITS", "ALARM SOURCE"});
     for (const PmAlarm& p : a.pm)
         pm.add({fmt::format("{} #{}", path_text({p.md, p.ma, p.mep}), p.session), std::to_string(p.slot),
-                word_text(p.word), bits_text(p.word), p.source.empty() ? "-" : p.source});
+                word_text(p.word), bits_text(p.word), p.source.empty() ? "-" : escaped(p.source)});
     print_table_or_none(pm, "no PM alarms");
     fmt::print("\nMEP hardware alarm block: {}\n",
                all_zero(a.hw) ? fmt::format("{} zero bytes", a.hw.size()) : hex(a.hw));
@@ -293,25 +283,28 @@ void alarms_text(const Configuration& c) {
 Json alarms_json(const Configuration& c) {
     const Alarms a = Alarms::read(c);
     Json meps = Json::array();
-    for (const MepAlarm& m : a.meps)
-        meps.push_back({{"slot", m.slot},
-                        {"md", m.named ? Json(m.md) : Json(nullptr)},
-                        {"ma", m.named ? Json(m.ma) : Json(nullptr)},
-                        {"mep", m.named ? Json(m.mep) : Json(nullptr)},
-                        {"alarms", m.word},
-                        {"stored", m.stored},
-                        {"bits", bits_json(m.word)},
-                        {"text", m.text}});
+    for (const MepAlarm& m : a.meps) {
+        Json j = {{"index", m.slot},
+                  {"mep", m.named ? mep_json(c, m.md, m.ma, m.mep) : Json(nullptr)},
+                  {"alarms", m.word},
+                  {"stored", m.stored},
+                  {"bits", bits_json(m.word)}};
+        put_name(j, "text", m.text);
+        meps.push_back(std::move(j));
+    }
     Json pm = Json::array();
-    for (const PmAlarm& p : a.pm)
-        pm.push_back({{"slot", p.slot},
-                      {"md", p.md},
-                      {"ma", p.ma},
-                      {"mep", p.mep},
-                      {"session", p.session},
-                      {"alarms", p.word},
-                      {"bits", bits_json(p.word)},
-                      {"source", p.source.empty() ? Json(nullptr) : Json(p.source)}});
+    for (const PmAlarm& p : a.pm) {
+        Json j = {{"index", p.slot},
+                  {"mep", mep_json(c, p.md, p.ma, p.mep)},
+                  {"session", p.session},
+                  {"alarms", p.word},
+                  {"bits", bits_json(p.word)}};
+        if (p.source.empty())
+            j["source"] = nullptr;
+        else
+            put_name(j, "source", p.source);
+        pm.push_back(std::move(j));
+    }
     return {{"meps", meps}, {"pm", pm}, {"hwBlock", hex(a.hw)}};
 }
 
@@ -335,11 +328,11 @@ void tree_text(const Configuration& c) {
     };
 
     for (const Md& md : c.mds) {
-        const std::string heading = fmt::format("MD {} \"{}\", level {}", md.md, md.name, md.level);
+        const std::string heading = fmt::format("MD {} \"{}\", level {}", md.md, escaped(md.name), md.level);
         fmt::print("{}\n", paint(stdout, Tone::Heading, heading));
         for (const Ma& ma : c.mas) {
             if (ma.md != md.md) continue;
-            fmt::print("  MA {} \"{}\": {}, CCM period {}\n", path_text({ma.md, ma.ma}), ma.name,
+            fmt::print("  MA {} \"{}\": {}, CCM period {}\n", path_text({ma.md, ma.ma}), escaped(ma.name),
                        components_text(c, ma), ma.ccm_period);
             for (const Mep& m : c.meps)
                 if (m.md == ma.md && m.ma == ma.ma) fmt::print("    {}\n", mep_line(m));
@@ -349,7 +342,8 @@ void tree_text(const Configuration& c) {
     std::vector<std::string> outside;
     for (const Ma& ma : c.mas)
         if (c.find_md(ma.md) == nullptr)
-            outside.push_back(fmt::format("MA {} \"{}\": no MD {}", path_text({ma.md, ma.ma}), ma.name, ma.md));
+            outside.push_back(
+                fmt::format("MA {} \"{}\": no MD {}", path_text({ma.md, ma.ma}), escaped(ma.name), ma.md));
     for (const Mep& m : c.meps)
         if (c.find_ma(m.md, m.ma) == nullptr || c.find_md(m.md) == nullptr) outside.push_back(mep_line(m));
     if (!outside.empty()) {
@@ -421,6 +415,20 @@ int show_chkp(const Options& options, bool json) {
 
 void print_tree(const Configuration& c) { tree_text(c); }
 
+Json place_json(std::uint8_t slot, std::uint8_t port) {
+    if (slot == kLagSlot) return {{"lag", port}};
+    return {{"slot", slot}, {"port", port}};
+}
+
+Json mep_json(const Configuration& c, std::uint32_t md, std::uint32_t ma, std::uint32_t mep) {
+    const Mep* m = c.find_mep(md, ma, mep);
+    return {{"md", md},
+            {"ma", ma},
+            {"mep", mep},
+            {"mepId", m != nullptr ? Json(m->id) : Json(nullptr)},
+            {"port", m != nullptr ? place_json(m->slot, m->port) : Json(nullptr)}};
+}
+
 std::vector<std::string> alarm_changes(std::string_view name, std::uint16_t before, std::uint16_t now) {
     std::vector<std::string> lines;
     auto add = [&](std::uint16_t bits, std::string_view how) {
@@ -476,9 +484,11 @@ void add_show(CLI::App& app, const Options& options, Commands& commands) {
         const Configuration c = Configuration::read();
         for (const View& v : kViews) {
             if (args->view != v.name) continue;
-            if (args->json)
-                print_json(v.json(c));
-            else
+            if (args->json) {
+                // A view of one list is the object {"<view>": [...]}.
+                Json j = v.json(c);
+                print_json(j.is_array() ? Json{{v.name, std::move(j)}} : j);
+            } else
                 v.text(c);
         }
         return kExitOk;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/objects.h"
+#include "common/records.h"
 
 namespace tarvctl {
 using namespace tarvtool;  // the shared tool library
@@ -19,6 +20,14 @@ using namespace tarvtool;  // the shared tool library
 // `now`: "* NAME: alarm bits 0, 2 raised", then "... cleared".
 [[nodiscard]] std::vector<std::string> alarm_changes(std::string_view name, std::uint16_t before,
                                                      std::uint16_t now);
+
+// Where a point sits, in JSON: {"slot": 4, "port": 2}, or {"lag": 6} on a
+// LAG.
+[[nodiscard]] Json place_json(std::uint8_t slot, std::uint8_t port);
+
+// The one JSON form of a MEP reference: {"md", "ma", "mep", "mepId",
+// "port"}, the last two null when the region has no such MEP.
+[[nodiscard]] Json mep_json(const Configuration& c, std::uint32_t md, std::uint32_t ma, std::uint32_t mep);
 
 // The MD/MA/MEP tree and the summary, as `show` prints it.
 void print_tree(const Configuration& c);

@@ -78,6 +78,11 @@ void Table::print(std::FILE* out, std::string_view indent) const {
     for (const auto& row : rows_) fmt::print(out, "{}{}\n", indent, line(row));
 }
 
-void print_json(const Json& j) { fmt::print("{}\n", j.dump(2)); }
+void print_json(const Json& j) {
+    Json doc = {{"schema", kJsonSchema}};
+    for (const auto& member : j.items())
+        if (member.key() != "schema") doc[member.key()] = member.value();
+    fmt::print("{}\n", doc.dump(2));
+}
 
 }  // namespace tarvctl

@@ -44,7 +44,11 @@ private:
     std::vector<std::size_t> widths_;
 };
 
-// Pretty-printed JSON and a newline on standard output.
+// The version of the JSON documents and events tarvctl prints (docs/json.md).
+inline constexpr int kJsonSchema = 1;
+
+// The object j, pretty-printed after a first member "schema": kJsonSchema,
+// and a newline on standard output.
 void print_json(const Json& j);
 
 }  // namespace tarvctl

@@ -45,6 +45,7 @@ $ tarvctl --region demo.bin demo
 [exit 2]
 $ tarvctl show chkp --json | cut -c 1-60
 {
+  "schema": 1,
   "region": "/T-kelm-chkp-data",
   "sectionValue": 1,
   "record": "01000000060002000000000000000000000000000000000

@@ -1,7 +1,8 @@
 # The named fields of every record the library interprets (the first
 # record of each class), the rest as hex.
-$ tarvctl --region demo.bin get md --json | head -n 16
+$ tarvctl --region demo.bin get md --json | head -n 17
 {
+  "schema": 1,
   "class": 531,
   "records": [
     {
@@ -18,8 +19,9 @@ $ tarvctl --region demo.bin get md --json | head -n 16
       }
     },
 [exit 0]
-$ tarvctl --region demo.bin get manet --json | head -n 17
+$ tarvctl --region demo.bin get manet --json | head -n 18
 {
+  "schema": 1,
   "class": 574,
   "records": [
     {
@@ -37,8 +39,9 @@ $ tarvctl --region demo.bin get manet --json | head -n 17
       }
     },
 [exit 0]
-$ tarvctl --region demo.bin get macomp --json | head -n 17
+$ tarvctl --region demo.bin get macomp --json | head -n 18
 {
+  "schema": 1,
   "class": 573,
   "records": [
     {
@@ -56,8 +59,9 @@ $ tarvctl --region demo.bin get macomp --json | head -n 17
       }
     },
 [exit 0]
-$ tarvctl --region demo.bin get mep --json | head -n 26
+$ tarvctl --region demo.bin get mep --json | head -n 27
 {
+  "schema": 1,
   "class": 532,
   "records": [
     {
@@ -84,8 +88,9 @@ $ tarvctl --region demo.bin get mep --json | head -n 26
       }
     },
 [exit 0]
-$ tarvctl --region demo.bin get mip --json | head -n 17
+$ tarvctl --region demo.bin get mip --json | head -n 18
 {
+  "schema": 1,
   "class": 575,
   "records": [
     {
@@ -103,8 +108,9 @@ $ tarvctl --region demo.bin get mip --json | head -n 17
       }
     },
 [exit 0]
-$ tarvctl --region demo.bin get throughput --json | head -n 21
+$ tarvctl --region demo.bin get throughput --json | head -n 22
 {
+  "schema": 1,
   "class": 638,
   "records": [
     {
@@ -126,8 +132,9 @@ $ tarvctl --region demo.bin get throughput --json | head -n 21
       }
     },
 [exit 0]
-$ tarvctl --region demo.bin get history --json | head -n 12
+$ tarvctl --region demo.bin get history --json | head -n 13
 {
+  "schema": 1,
   "class": 652,
   "records": [
     {
@@ -143,6 +150,7 @@ $ tarvctl --region demo.bin get history --json | head -n 12
 # Opaque records, PM keys, singletons and a class without storage.
 $ tarvctl --region demo.bin get 665 --json
 {
+  "schema": 1,
   "class": 665,
   "records": [
     {
@@ -162,6 +170,7 @@ $ tarvctl --region demo.bin get 665 --json
 [exit 0]
 $ tarvctl --region demo.bin get 519 --json
 {
+  "schema": 1,
   "class": 519,
   "records": [
     {
@@ -174,6 +183,7 @@ $ tarvctl --region demo.bin get 519 --json
 [exit 0]
 $ tarvctl --region demo.bin get 580 --json
 {
+  "schema": 1,
   "class": 580,
   "records": []
 }

@@ -40,20 +40,31 @@ registering it as C-VID cuts off OAM          no   no   no    Tarv__IsCVidRegist
 the Down MEPs with it as C-VLAN               -    -    -     Tarv__FindDownMepFromSomeWhereOnCVlanPort
 a MIP with it as C-VLAN                       -    -    -     Tarv__DoesMipExistOnCVlanPort
 [exit 0]
-$ tarvctl --region demo.bin port 3/7 --json | head -n 13
+$ tarvctl --region demo.bin port 3/7 --json | head -n 24
 {
-  "slot": 3,
-  "port": 7,
-  "answers": {
-    "Tarv__IsOamEnabledOnPort": true,
-    "Tarv__IsOamEnabledOnPortOpt": true,
-    "Tarv__IsMPEnabledOnPort": true,
-    "Tarv__IsOamEnabledForMepOnPort": [],
-    "Tarv__FindMepOnPort": true,
-    "Tarv__FindMipOnPort": false
+  "schema": 1,
+  "port": {
+    "slot": 3,
+    "port": 7
   },
-  "ids": {
-    "200": {
+  "points": {
+    "meps": [
+      {
+        "md": 2,
+        "ma": 2,
+        "mep": 4,
+        "mepId": 202,
+        "port": {
+          "slot": 3,
+          "port": 7
+        },
+        "direction": "Up",
+        "tagging": "S-VLAN",
+        "vid": 200
+      }
+    ],
+    "mips": []
+  },
 [exit 0]
 # A port without OAM answers no: status 1.
 $ tarvctl --region demo.bin port 9/9
@@ -89,6 +100,25 @@ QUESTION                       ANSWER  CALL
 an MA component has it as VFI  yes     Tarv__IsOamEnabledOnVfi
 [0]
 [exit 0]
+$ tarvctl --region demo.bin vlan 200 --json
+{
+  "schema": 1,
+  "vid": 200,
+  "components": [
+    {
+      "md": 2,
+      "ma": 2,
+      "component": 2,
+      "tagging": "S-VLAN",
+      "maName": "Backbone-200"
+    }
+  ],
+  "answers": {
+    "Tarv__IsOamEnabledOnSVlan": true,
+    "Tarv__IsOamEnabledOnCVlan": false
+  }
+}
+[exit 0]
 # LAGs: the members come from the host platform, not from the region.
 $ TARV_LAGS='6=1/2,1/5' tarvctl --region demo.bin lag 6
 LAG 6: MEP 2/2/6 (id 203, Down, VLAN 200), MIP 2/2/2 (MA 2/2)
@@ -101,7 +131,12 @@ The port questions for the LAG: tarvctl port 2/6
 [exit 0]
 $ tarvctl --region demo.bin lag 7 --json
 {
+  "schema": 1,
   "lag": 7,
+  "points": {
+    "meps": [],
+    "mips": []
+  },
   "answers": {
     "Tarv__IsOamEnabledOnLagOpt": false
   },

@@ -1,6 +1,7 @@
 # JSON for scripts: every view at once, and an empty view.
 $ tarvctl --region demo.bin show --json
 {
+  "schema": 1,
   "mds": [
     {
       "md": 1,
@@ -77,10 +78,11 @@ $ tarvctl --region demo.bin show --json
       "ma": 1,
       "mep": 1,
       "mepId": 101,
+      "port": {
+        "slot": 1,
+        "port": 3
+      },
       "maName": "CustomerVPN-100",
-      "slot": 1,
-      "port": 3,
-      "lag": null,
       "vid": 100,
       "tagging": "C-VLAN",
       "direction": "Down",
@@ -91,10 +93,10 @@ $ tarvctl --region demo.bin show --json
       "ma": 1,
       "mep": 2,
       "mepId": 102,
+      "port": {
+        "lag": 5
+      },
       "maName": "CustomerVPN-100",
-      "slot": 2,
-      "port": 5,
-      "lag": 5,
       "vid": 100,
       "tagging": "C-VLAN",
       "direction": "Up",
@@ -105,10 +107,11 @@ $ tarvctl --region demo.bin show --json
       "ma": 2,
       "mep": 3,
       "mepId": 201,
+      "port": {
+        "slot": 4,
+        "port": 2
+      },
       "maName": "Backbone-200",
-      "slot": 4,
-      "port": 2,
-      "lag": null,
       "vid": 200,
       "tagging": "S-VLAN",
       "direction": "Down",
@@ -119,10 +122,11 @@ $ tarvctl --region demo.bin show --json
       "ma": 2,
       "mep": 4,
       "mepId": 202,
+      "port": {
+        "slot": 3,
+        "port": 7
+      },
       "maName": "Backbone-200",
-      "slot": 3,
-      "port": 7,
-      "lag": null,
       "vid": 200,
       "tagging": "S-VLAN",
       "direction": "Up",
@@ -133,10 +137,11 @@ $ tarvctl --region demo.bin show --json
       "ma": 3,
       "mep": 5,
       "mepId": 301,
+      "port": {
+        "slot": 1,
+        "port": 4
+      },
       "maName": "Metro-VFI-7",
-      "slot": 1,
-      "port": 4,
-      "lag": null,
       "vid": 7,
       "tagging": "VFI",
       "direction": "Down",
@@ -147,10 +152,10 @@ $ tarvctl --region demo.bin show --json
       "ma": 2,
       "mep": 6,
       "mepId": 203,
+      "port": {
+        "lag": 6
+      },
       "maName": "Backbone-200",
-      "slot": 2,
-      "port": 6,
-      "lag": 6,
       "vid": 200,
       "tagging": "S-VLAN",
       "direction": "Down",
@@ -162,31 +167,38 @@ $ tarvctl --region demo.bin show --json
       "md": 1,
       "ma": 1,
       "mip": 1,
+      "port": {
+        "slot": 1,
+        "port": 4
+      },
       "maName": "CustomerVPN-100",
-      "slot": 1,
-      "port": 4,
-      "lag": null,
       "mac": "02:54:41:52:57:04"
     },
     {
       "md": 2,
       "ma": 2,
       "mip": 2,
+      "port": {
+        "lag": 6
+      },
       "maName": "Backbone-200",
-      "slot": 2,
-      "port": 6,
-      "lag": 6,
       "mac": "02:54:41:52:56:07"
     }
   ],
   "throughput": {
     "tests": [
       {
-        "md": 1,
-        "ma": 1,
-        "mep": 1,
+        "mep": {
+          "md": 1,
+          "ma": 1,
+          "mep": 1,
+          "mepId": 101,
+          "port": {
+            "slot": 1,
+            "port": 3
+          }
+        },
         "test": 1,
-        "mepId": 101,
         "enabled": true,
         "enableStatus": 2,
         "operandA": 2,
@@ -195,11 +207,17 @@ $ tarvctl --region demo.bin show --json
         "derived": 4
       },
       {
-        "md": 2,
-        "ma": 2,
-        "mep": 3,
+        "mep": {
+          "md": 2,
+          "ma": 2,
+          "mep": 3,
+          "mepId": 201,
+          "port": {
+            "slot": 4,
+            "port": 2
+          }
+        },
         "test": 2,
-        "mepId": 201,
         "enabled": false,
         "enableStatus": 1,
         "operandA": 100,
@@ -222,73 +240,125 @@ $ tarvctl --region demo.bin show --json
   },
   "pm": [
     {
-      "md": 1,
-      "ma": 1,
-      "mep": 1,
+      "mep": {
+        "md": 1,
+        "ma": 1,
+        "mep": 1,
+        "mepId": 101,
+        "port": {
+          "slot": 1,
+          "port": 3
+        }
+      },
       "session": 1,
-      "mepId": 101,
       "maName": "CustomerVPN-100"
     },
     {
-      "md": 2,
-      "ma": 2,
-      "mep": 3,
+      "mep": {
+        "md": 2,
+        "ma": 2,
+        "mep": 3,
+        "mepId": 201,
+        "port": {
+          "slot": 4,
+          "port": 2
+        }
+      },
       "session": 2,
-      "mepId": 201,
       "maName": "Backbone-200"
     }
   ],
   "bwn": [
     {
-      "md": 1,
-      "ma": 1,
-      "mep": 1,
-      "mepId": 101,
+      "mep": {
+        "md": 1,
+        "ma": 1,
+        "mep": 1,
+        "mepId": 101,
+        "port": {
+          "slot": 1,
+          "port": 3
+        }
+      },
       "record": "01000000e803000002000000000000000000"
     },
     {
-      "md": 1,
-      "ma": 1,
-      "mep": 2,
-      "mepId": 102,
+      "mep": {
+        "md": 1,
+        "ma": 1,
+        "mep": 2,
+        "mepId": 102,
+        "port": {
+          "lag": 5
+        }
+      },
       "record": "000000000000000000000000000000000000"
     },
     {
-      "md": 2,
-      "ma": 2,
-      "mep": 3,
-      "mepId": 201,
+      "mep": {
+        "md": 2,
+        "ma": 2,
+        "mep": 3,
+        "mepId": 201,
+        "port": {
+          "slot": 4,
+          "port": 2
+        }
+      },
       "record": "010000001027000001000000000000000000"
     },
     {
-      "md": 2,
-      "ma": 2,
-      "mep": 4,
-      "mepId": 202,
+      "mep": {
+        "md": 2,
+        "ma": 2,
+        "mep": 4,
+        "mepId": 202,
+        "port": {
+          "slot": 3,
+          "port": 7
+        }
+      },
       "record": "000000000000000000000000000000000000"
     },
     {
-      "md": 3,
-      "ma": 3,
-      "mep": 5,
-      "mepId": 301,
+      "mep": {
+        "md": 3,
+        "ma": 3,
+        "mep": 5,
+        "mepId": 301,
+        "port": {
+          "slot": 1,
+          "port": 4
+        }
+      },
       "record": "000000000000000000000000000000000000"
     },
     {
-      "md": 2,
-      "ma": 2,
-      "mep": 6,
-      "mepId": 203,
+      "mep": {
+        "md": 2,
+        "ma": 2,
+        "mep": 6,
+        "mepId": 203,
+        "port": {
+          "lag": 6
+        }
+      },
       "record": "000000000000000000000000000000000000"
     }
   ],
   "alarms": {
     "meps": [
       {
-        "slot": 1,
-        "md": 1,
-        "ma": 1,
-        "mep": 2,
+        "index": 1,
+        "mep": {
+          "md": 1,
+          "ma": 1,
+          "mep": 2,
+          "mepId": 102,
+          "port": {
+            "lag": 5
+          }
+        },
         "alarms": 5,
         "stored": 5,
         "bits": [
@@ -298,10 +368,17 @@ $ tarvctl --region demo.bin show --json
         "text": "RDI received from MEP 12"
       },
       {
-        "slot": 3,
-        "md": 2,
-        "ma": 2,
-        "mep": 4,
+        "index": 3,
+        "mep": {
+          "md": 2,
+          "ma": 2,
+          "mep": 4,
+          "mepId": 202,
+          "port": {
+            "slot": 3,
+            "port": 7
+          }
+        },
         "alarms": 2,
         "stored": 6,
         "bits": [
@@ -312,20 +389,34 @@ $ tarvctl --region demo.bin show --json
     ],
     "pm": [
       {
-        "slot": 1,
-        "md": 1,
-        "ma": 1,
-        "mep": 1,
+        "index": 1,
+        "mep": {
+          "md": 1,
+          "ma": 1,
+          "mep": 1,
+          "mepId": 101,
+          "port": {
+            "slot": 1,
+            "port": 3
+          }
+        },
         "session": 1,
         "alarms": 0,
         "bits": [],
         "source": "S1,P3,Svid100,Dn,L5,Id101,MAID:Customer/CustomerVPN-100"
       },
       {
-        "slot": 2,
-        "md": 2,
-        "ma": 2,
-        "mep": 3,
+        "index": 2,
+        "mep": {
+          "md": 2,
+          "ma": 2,
+          "mep": 3,
+          "mepId": 201,
+          "port": {
+            "slot": 4,
+            "port": 2
+          }
+        },
         "session": 2,
         "alarms": 16,
         "bits": [
@@ -339,5 +430,8 @@ $ tarvctl --region demo.bin show --json
 }
 [exit 0]
 $ tarvctl --region empty.bin show pm --json
-[]
+{
+  "schema": 1,
+  "pm": []
+}
 [exit 0]

@@ -29,7 +29,7 @@ $ tarvctl snapshot load faults.bin
 loaded faults.bin into /T-kelm-data
 [exit 0]
 $ tarvctl check | tail -n 1
-13 findings in /T-kelm-data
+16 findings in /T-kelm-data: duplicateKey 1, emptyRecord 3, missingParent 5, noComponent 1, noSlot 1, recordBehindEmptyKey 1, sessionMismatch 1, slotZero 1, wrongClass 1, wrongSlot 1
 [exit 0]
 $ tarvctl snapshot save /nonexistent/dir/x.bin
 ! tarvctl: cannot write '/nonexistent/dir/x.bin': No such file or directory
