@@ -272,7 +272,7 @@ TEST(TarvctlArgs, SlotsPortsIdsAndRanges) {
     const Row rows[] = {
         {'s', "0/0", true},     {'s', "255/255", true}, {'s', "256/1", false}, {'s', "1/256", false},
         {'s', "1", false},      {'s', "/4", false},     {'s', "1/4/5", false}, {'s', " 1/4", false},
-        {'r', "0-65535", true}, {'r', "9-2", true},     {'r', "1-65536", false}, {'r', "1", false},
+        {'r', "0-65535", true}, {'r', "9-2", false}, {'r', "5-5", true},     {'r', "1-65536", false}, {'r', "1", false},
         {'v', "1", true},
     };
     for (const Row& r : rows) {

@@ -23,6 +23,10 @@ namespace tarvtool {
 namespace {
 
 constexpr char kPrefixRule[] = "at most 64 of A-Z a-z 0-9 . _ -";
+constexpr char kLagsRule[] =
+    "expected LAG=SLOT/PORT[,SLOT/PORT...][;LAG=...] with numbers 0 to 255, at most 9 members a LAG";
+// The host platform's module trace level that prints errors and warnings.
+constexpr std::uint32_t kWarningLevel = 2;
 
 [[noreturn]] void io_failure(const std::string& message) { throw Failure(kExitIo, message); }
 
@@ -34,20 +38,75 @@ void check_region_file(const std::string& path) {
     if (st.st_size != kDataRegionSize)
         io_failure(fmt::format("'{}' has {} bytes, but a saved region has exactly {}", path,
                                static_cast<long long>(st.st_size), kDataRegionSize));
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) io_failure(fmt::format("cannot read '{}': {}", path, error_text(errno)));
+    close(fd);
+}
+
+// Why the shared-memory object of region `name` cannot be mapped with
+// `flags` for `size` bytes, or "" when nothing stands in the way (a missing
+// object included: the caller reports that, or has it created). Asked before
+// the host platform maps it, whose failure carries no reason.
+std::string why_unmappable(const char* name, int flags, std::uint32_t size) {
+    const int fd = shm_open(object_name(name).c_str(), flags | O_CLOEXEC, 0);
+    if (fd < 0) return errno == ENOENT ? "" : error_text(errno);
+    struct stat st {};
+    std::string why;
+    if (fstat(fd, &st) != 0)
+        why = error_text(errno);
+    else if (!S_ISREG(st.st_mode))
+        why = "it is not a regular file";
+    else if (st.st_size < static_cast<off_t>(size))
+        why = fmt::format("it has {} bytes, fewer than the region's {}", static_cast<long long>(st.st_size), size);
+    close(fd);
+    return why;
 }
 
 }  // namespace
 
-void select_prefix(const Options& options) {
-    if (!options.prefix.empty()) {
-        if (TarvHost_SetShmPrefix(options.prefix.c_str()) != 0)
-            throw Failure(kExitUsage, fmt::format("invalid --prefix '{}': {}", options.prefix, kPrefixRule));
-        return;
-    }
-    // Read before any thread starts; the tools never change their environment.
-    if (const char* env = std::getenv("TARV_SHM_PREFIX");  // NOLINT(concurrency-mt-unsafe)
-        env != nullptr && TarvHost_SetShmPrefix(env) != 0)
+void prepare_platform(const Options& options) {
+    if (options.prefix) {
+        if (TarvHost_SetShmPrefix(options.prefix->c_str()) != 0)
+            throw Failure(kExitUsage, fmt::format("invalid --prefix '{}': {}", *options.prefix, kPrefixRule));
+    } else if (const char* env = std::getenv("TARV_SHM_PREFIX");  // NOLINT(concurrency-mt-unsafe)
+               env != nullptr && TarvHost_SetShmPrefix(env) != 0) {
         throw Failure(kExitUsage, fmt::format("invalid TARV_SHM_PREFIX '{}': {}", env, kPrefixRule));
+    }
+    const char* lags = std::getenv("TARV_LAGS");  // NOLINT(concurrency-mt-unsafe)
+    if (lags != nullptr && !valid_lags(lags))
+        throw Failure(kExitUsage, fmt::format("invalid TARV_LAGS '{}': {}", lags, kLagsRule));
+    // Error traces name the library's functions and codes, which tell an
+    // operator nothing; whoever debugs the library asks for them.
+    if (std::getenv("TARV_TRACE_LEVEL") == nullptr)  // NOLINT(concurrency-mt-unsafe)
+        TarvHost_SetModuleLevel(options.trace ? kWarningLevel : 0);
+}
+
+bool valid_lags(std::string_view text) {
+    std::size_t at = 0;
+    const auto eat = [&](char c) {
+        if (at >= text.size() || text[at] != c) return false;
+        ++at;
+        return true;
+    };
+    const auto number = [&] {
+        const std::size_t start = at;
+        unsigned value = 0;
+        for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
+            value = value * 10 + static_cast<unsigned>(text[at] - '0');
+            if (value > 255) return false;
+        }
+        return at > start;
+    };
+    if (text.empty()) return true;
+    do {
+        if (!number() || !eat('=')) return false;
+        if (at == text.size() || text[at] == ';') continue;  // a LAG without members
+        std::size_t members = 0;
+        do {
+            if (++members > TARV_HOST_LAG_MEMBERS_MAX || !number() || !eat('/') || !number()) return false;
+        } while (eat(','));
+    } while (eat(';'));
+    return at == text.size();
 }
 
 void refuse_region_file(const Options& options, const char* command) {
@@ -79,6 +138,8 @@ void require_region(const char* name) {
 }
 
 std::uint8_t* map_for_writing(const char* name, std::uint32_t size) {
+    if (const std::string why = why_unmappable(name, O_RDWR, size); !why.empty())
+        io_failure(fmt::format("cannot map {} for writing: {}", object_name(name), why));
     auto* base = static_cast<std::uint8_t*>(Pcor__OpenShm(name, size, PCOR_SHM_READ_WRITE));
     if (base == nullptr) io_failure(fmt::format("cannot map {} for writing", object_name(name)));
     return base;
@@ -94,6 +155,8 @@ DataRegion DataRegion::attach(const Options& options) {
     } else {
         described = object_name(kDataRegion);
         require_region(kDataRegion);
+        if (const std::string why = why_unmappable(kDataRegion, O_RDONLY, kDataRegionSize); !why.empty())
+            io_failure(fmt::format("cannot map {}: {}", described, why));
     }
     const auto* base =
         static_cast<const std::uint8_t*>(Pcor__OpenShm(kDataRegion, kDataRegionSize, PCOR_SHM_READ_ONLY));

@@ -6,7 +6,9 @@
 #define TARVTOOL_REGION_ACCESS_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,14 +19,23 @@ namespace tarvtool {
 
 // Options every subcommand shares.
 struct Options {
-    std::string prefix;       // --prefix; empty: TARV_SHM_PREFIX or none
-    std::string region_file;  // --region FILE; empty: shared memory
+    std::optional<std::string> prefix;  // --prefix; "" is none; not given: TARV_SHM_PREFIX or none
+    std::string region_file;            // --region FILE; empty: shared memory
     std::string color = "auto";
+    bool trace = false;  // --trace: the library's error and warning traces on stderr
 };
 
-// Applies --prefix, or checks TARV_SHM_PREFIX: an invalid prefix is a usage
-// error here, where the host platform would fall back to the real region.
-void select_prefix(const Options& options);
+// Sets the host platform up for a command: applies --prefix, or checks
+// TARV_SHM_PREFIX, and checks TARV_LAGS (a malformed value is a usage error
+// here, where the host platform would ignore it and go on with defaults: the
+// real regions, no LAG members); turns the library's traces off unless
+// --trace or TARV_TRACE_LEVEL asks for them.
+void prepare_platform(const Options& options);
+
+// True for a TARV_LAGS value the host platform takes whole:
+// LAG=SLOT/PORT[,SLOT/PORT...][;LAG=...] with numbers 0 to 255, at most 9
+// members a LAG, "7=" for a LAG without members, "" for none.
+[[nodiscard]] bool valid_lags(std::string_view text);
 
 // Refuses --region for a subcommand that writes shared memory.
 void refuse_region_file(const Options& options, const char* command);

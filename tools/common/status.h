@@ -3,6 +3,8 @@
 #ifndef TARVTOOL_STATUS_H
 #define TARVTOOL_STATUS_H
 
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -33,6 +35,25 @@ private:
 inline std::string error_text(int error) {
     const char* text = strerrordesc_np(error);
     return text != nullptr ? text : "Unknown error " + std::to_string(error);
+}
+
+// Ends the command after output was lost with `error`: kExitIo, with a
+// message, except for a closed pipe (EPIPE, when SIGPIPE is ignored), which
+// ends it quietly as SIGPIPE itself would.
+[[noreturn]] inline void throw_lost_output(int error) {
+    throw Failure(kExitIo, error == EPIPE ? "" : "cannot write standard output: " + error_text(error));
+}
+
+// Writes out what standard output holds. A write that failed, now or since
+// the last call (a full disk, a closed pipe), ends the command as
+// throw_lost_output says: a script must never take lost output for success.
+// Long-running subcommands call it after each batch of lines; main calls it
+// once at the end for every subcommand.
+inline void flush_stdout() {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+    // errno is the failed write's: this flush's, or a print's that failed
+    // before and left the error flag behind.
+    throw_lost_output(errno != 0 ? errno : EIO);
 }
 
 }  // namespace tarvtool

@@ -48,7 +48,10 @@ IdRange parse_range(std::string_view text, std::string_view what) {
     if (!low || !high)
         throw Failure(kExitUsage, fmt::format("malformed {} '{}': expected LOW-HIGH, two numbers from 0 to {}", what,
                                               text, kMaxId));
-    return {*low, *high};
+    const IdRange range{*low, *high};
+    if (range.low > range.high)
+        throw Failure(kExitUsage, fmt::format("reversed {} '{}': LOW must not be above HIGH", what, text));
+    return range;
 }
 
 }  // namespace tarvctl

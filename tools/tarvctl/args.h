@@ -26,8 +26,9 @@ struct IdRange {
     std::uint32_t high;
 };
 
-// "1-4094": two ids from 0 to 65535 (a range whose low end is above its high
-// end is a valid, empty one); `what` names the option.
+// "1-4094": two ids from 0 to 65535, the low end not above the high end (a
+// reversed range is a typing error, never an empty range); `what` names the
+// option.
 [[nodiscard]] IdRange parse_range(std::string_view text, std::string_view what);
 
 }  // namespace tarvctl

@@ -432,6 +432,11 @@ int slot(const Options& options, const std::string& text, std::int32_t ccm_perio
     return fits ? kExitOk : kExitFindings;
 }
 
+// The CCM interval codes of IEEE 802.1ag that an MA's dwCcmPeriod holds:
+// 1 (3.33 ms) to 7 (10 min); 0 is no interval.
+constexpr char kFirstCcmPeriod = 1;
+constexpr char kLastCcmPeriod = 7;
+
 constexpr char kAnswerNote[] = "Exit status 0 when OAM uses it, 1 when not.";
 
 }  // namespace
@@ -518,13 +523,23 @@ void add_queries(CLI::App& app, const Options& options, Commands& commands) {
     sl->footer(
         "Whether the slot SLOT (0 to 255) can take one more MEP of CCM period N, and the resource units\n"
         "counted per MEP: 3 for a MEP whose MA has CCM period 2, else 1; a MEP on a LAG once for each member\n"
-        "port on the slot (members from TARV_LAGS). A slot carries at most 1000 units.\n"
+        "port on the slot (members from TARV_LAGS). A slot carries at most 1000 units. N is a CCM interval\n"
+        "code from 1 (3.33 ms) to 7 (10 min), as an MA's dwCcmPeriod holds it.\n"
         "Exit status 0 when the MEP fits, 1 when not.");
     sl->add_option("SLOT", sa->slot, "Slot")->required();
-    sl->add_option("--ccm-period", sa->ccm_period, "CCM period code of the MEP to be added")
+    sl->add_option("--ccm-period", sa->ccm_period,
+                   "CCM period code of the MEP to be added, as the MA's dwCcmPeriod holds it: 1 (3.33 ms), "
+                   "2 (10 ms), 3 (100 ms), 4 (1 s), 5 (10 s), 6 (1 min) or 7 (10 min)")
         ->required()
         ->type_name("N")
-        ->check(CLI::Range(0, 2147483647));
+        ->check(CLI::Validator(
+            [](const std::string& text) -> std::string {
+                const bool known =
+                    text.size() == 1 && text[0] >= '0' + kFirstCcmPeriod && text[0] <= '0' + kLastCcmPeriod;
+                return known ? ""
+                             : fmt::format("'{}' is no CCM period code: expected 1 to 7 (3.33 ms to 10 min)", text);
+            },
+            "1..7"));
     sl->add_flag("--json", sa->json, "JSON on standard output, for scripts");
     commands.add(sl, [&options, sa] { return slot(options, sa->slot, sa->ccm_period, sa->json); });
 }

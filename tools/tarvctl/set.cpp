@@ -45,7 +45,8 @@ int set(const Options& options, const ClassDef& c, const std::string& path) {
         throw Failure(kExitIo, fmt::format("cannot attach {} for writing", object_name(kDataRegion)));
     if (result == TARV_SET_CONFIG_REFUSED)
         throw Failure(kExitUsage, fmt::format("'{}': the library refused the list, the region is unchanged: a record "
-                                              "addresses no slot of {} (its error trace names it)",
+                                              "addresses no slot of {} (--trace shows the library's error trace "
+                                              "naming it)",
                                               path, class_text(c)));
     fmt::print("{}: {} record{} written to {}\n", class_text(c), entries.size(), entries.size() == 1 ? "" : "s",
                object_name(kDataRegion));

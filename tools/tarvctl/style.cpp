@@ -19,7 +19,8 @@ bool g_colour[3] = {false, false, false};  // by file descriptor: -, stdout, std
 // Read before any thread starts; tarvctl never changes its environment.
 bool terminal_wants_colour(int fd) {
     const char* term = std::getenv("TERM");                      // NOLINT(concurrency-mt-unsafe)
-    const bool no_colour = std::getenv("NO_COLOR") != nullptr;   // NOLINT(concurrency-mt-unsafe)
+    const char* no_color = std::getenv("NO_COLOR");             // NOLINT(concurrency-mt-unsafe)
+    const bool no_colour = no_color != nullptr && *no_color != '\0';  // set but empty does not count
     return isatty(fd) != 0 && !no_colour && term != nullptr && std::string_view(term) != "dumb";
 }
 

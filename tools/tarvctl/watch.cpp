@@ -155,13 +155,13 @@ int watch(const Options& options, std::uint32_t interval_ms, std::uint32_t count
     auto alarms = std::make_shared<AlarmWatch>();
     watches.emplace_back([alarms](std::vector<std::string>& changes) { alarms->poll(changes); });
     fmt::print("watching {} every {} ms: {}\n", region.where(), interval_ms, summary(Configuration::read()));
-    (void)std::fflush(stdout);
+    flush_stdout();
     for (std::uint32_t polls = 1; count == 0 || polls < count; ++polls) {
         if (!sleep_ms(interval_ms)) break;
         std::vector<std::string> changes;
         for (const auto& w : watches) w(changes);
         for (const std::string& line : changes) fmt::print("{}\n", line);
-        (void)std::fflush(stdout);
+        flush_stdout();
     }
     return kExitOk;
 }

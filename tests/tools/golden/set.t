@@ -53,7 +53,7 @@ $ tarvctl get mep --json | sed 's/"02:54:41:52:57:03"/"02-54-41-52-57-03"/' | ta
 ! tarvctl: '-' record 1: "abyMacAddress" must be six hex bytes such as 02:54:41:52:57:03
 [exit 2]
 $ tarvctl get md | sed 's/^130201000000/1302c8000000/' >far.hex; TARV_TRACE_LEVEL=0 tarvctl set md far.hex
-! tarvctl: 'far.hex': the library refused the list, the region is unchanged: a record addresses no slot of md (531) (its error trace names it)
+! tarvctl: 'far.hex': the library refused the list, the region is unchanged: a record addresses no slot of md (531) (--trace shows the library's error trace naming it)
 [exit 2]
 $ tarvctl snapshot save after.bin >/dev/null; cmp after.bin demo.bin && echo unchanged
 unchanged
