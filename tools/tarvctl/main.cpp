@@ -16,7 +16,8 @@ constexpr char kFooter[] = R"(Exit status:
   2  usage error: unknown subcommand, option, class or value; a malformed SLOT/PORT, VID or id; a file set refuses
   3  no OAM data region in shared memory (create one with 'tarvctl init')
   4  a file or region cannot be read, written or mapped, or has the wrong size
-  5  demo refused: the region is not empty (demo --force replaces it)
+  5  refused: demo on a region that is not empty (demo --force replaces it); simulate on the real
+     region (without --force) or on one without MEPs
 
 Environment:
   TARV_SHM_PREFIX  shared-memory prefix when --prefix is not given
@@ -55,6 +56,8 @@ int run_command_line(int argc, char** argv) {
     add_queries(app, options, commands);
     add_snapshot(app, options, commands);
     add_watch(app, options, commands);
+    add_simulate(app, options, commands);
+    add_metrics(app, options, commands);
 
     try {
         app.parse(argc, argv);
@@ -72,8 +75,8 @@ int run_command_line(int argc, char** argv) {
         const auto* run = commands.chosen();
         if (run == nullptr) {
             error_line(
-                "a subcommand is required: init, demo, show, port, vlan, vfi, lag, slot, check, get, set, snapshot "
-                "or watch");
+                "a subcommand is required: init, demo, show, port, vlan, vfi, lag, slot, check, get, set, snapshot, "
+                "watch, simulate or metrics");
             fmt::print(stderr, "Run 'tarvctl --help' for more information.\n");
             return kExitUsage;
         }

@@ -25,6 +25,8 @@ Subcommands:
   slot                        Ask whether a slot has room for one more MEP
   snapshot                    Save the data region to a file, or load it from one
   watch                       Print what changes in the region, until interrupted
+  simulate                    Play the OAM controller on the region, until interrupted
+  metrics                     The region's state as Prometheus metrics
 
 Exit status:
   0  done; check found nothing
@@ -32,7 +34,8 @@ Exit status:
   2  usage error: unknown subcommand, option, class or value; a malformed SLOT/PORT, VID or id; a file set refuses
   3  no OAM data region in shared memory (create one with 'tarvctl init')
   4  a file or region cannot be read, written or mapped, or has the wrong size
-  5  demo refused: the region is not empty (demo --force replaces it)
+  5  refused: demo on a region that is not empty (demo --force replaces it); simulate on the real
+     region (without --force) or on one without MEPs
 
 Environment:
   TARV_SHM_PREFIX  shared-memory prefix when --prefix is not given

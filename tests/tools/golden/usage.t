@@ -1,6 +1,6 @@
 # Bad command lines end with status 2 before anything is read or written.
 $ tarvctl
-! tarvctl: a subcommand is required: init, demo, show, port, vlan, vfi, lag, slot, check, get, set, snapshot or watch
+! tarvctl: a subcommand is required: init, demo, show, port, vlan, vfi, lag, slot, check, get, set, snapshot, watch, simulate or metrics
 ! Run 'tarvctl --help' for more information.
 [exit 2]
 $ tarvctl frobnicate
