@@ -166,8 +166,14 @@ private:
                                    std::move(removed)});
     }
 
+    // The slot of a key the library has just listed; only another writer
+    // could have taken it away in between.
     [[nodiscard]] std::uint32_t slot(tarv::Table table, Bytes key) const {
-        return tarv::find_slot(region_, table, key.data(), tarv::slot_hint(key.data(), static_cast<std::uint32_t>(key.size())));
+        const std::uint32_t s = tarv::find_slot(region_, table, key.data(),
+                                                tarv::slot_hint(key.data(), static_cast<std::uint32_t>(key.size())));
+        if (s == tarv::kNotFound)
+            throw Failure(kExitIo, fmt::format("the key {} vanished from the region: is another writer at work?", hex(key)));
+        return s;
     }
 
     // The MEP reference of the JSON events, from its transfer record.
@@ -241,10 +247,11 @@ private:
             static_cast<std::uint16_t>(le16(tarv::entry(region_, tarv::Table::PMAlarmBlock, s)) ^ (1U << bit));
         put_pm_alarm(region_, s, key, word);
         const bool raised = ((word >> bit) & 1U) != 0;
-        const KeyIds k = key_ids(class_of(cls::kPmSession), key);
+        const auto* mep = find_mep(key);
         return {fmt::format("{}: alarm bit {} {}", name(cls::kPmSession, key), bit, raised ? "raised" : "cleared"),
                 {{"event", raised ? "pmAlarmRaised" : "pmAlarmCleared"},
-                 {"session", {{"md", k.id[0]}, {"ma", k.id[1]}, {"mep", k.id[2]}, {"session", k.session}}},
+                 {"mep", mep != nullptr ? mep_json(*mep) : Json(nullptr)},
+                 {"session", s},
                  {"bit", bit},
                  {"alarms", word}}};
     }
