@@ -115,7 +115,7 @@ void alarm_families(Exposition& out, std::string_view what, std::string_view who
                fmt::format("Alarm bits of each {}, by bit number (1 raised, 0 clear).", who));
     for (const auto& [labels, word] : words)
         for (unsigned bit = 0; bit < 16; ++bit)
-            out.sample(fmt::format(R"({},bit="{}")", labels, bit), (word >> bit) & 1U);
+            out.sample(fmt::format(R"({},bit="{}")", labels, bit), (unsigned{word} >> bit) & 1U);
     out.family(fmt::format("tarv_{}_alarm", what), fmt::format("Whether any alarm bit of the {} is raised.", who));
     for (const auto& [labels, word] : words) out.sample(labels, word != 0 ? 1 : 0);
 }

@@ -205,7 +205,7 @@ private:
                 break;
             }
         for (const Defect& d : kDefects)
-            if (((word >> d.bit) & 1U) != 0) return fmt::format(fmt::runtime(d.text), remote);
+            if (((unsigned{word} >> d.bit) & 1U) != 0) return fmt::format(fmt::runtime(d.text), remote);
         return {};
     }
 
@@ -216,7 +216,7 @@ private:
         const std::string text = alarm_text(mep, word);
         put_mep_alarm(region_, s, word, text);
         put_mep_old_moid(region_, s, Bytes(mep).first(TARV_MOID_SIZE));
-        const bool raised = ((word >> bit) & 1U) != 0;
+        const bool raised = ((unsigned{word} >> bit) & 1U) != 0;
         const Defect& d = *std::find_if(std::begin(kDefects), std::end(kDefects), [bit](const Defect& x) { return x.bit == bit; });
         return {fmt::format("{}: alarm bit {} ({}) {}{}", name(cls::kMep, mep), bit, d.name, raised ? "raised" : "cleared",
                             text.empty() ? "" : ", text \"" + text + "\""),
@@ -246,7 +246,7 @@ private:
         const auto word =
             static_cast<std::uint16_t>(le16(tarv::entry(region_, tarv::Table::PMAlarmBlock, s)) ^ (1U << bit));
         put_pm_alarm(region_, s, key, word);
-        const bool raised = ((word >> bit) & 1U) != 0;
+        const bool raised = ((unsigned{word} >> bit) & 1U) != 0;
         const auto* mep = find_mep(key);
         return {fmt::format("{}: alarm bit {} {}", name(cls::kPmSession, key), bit, raised ? "raised" : "cleared"),
                 {{"event", raised ? "pmAlarmRaised" : "pmAlarmCleared"},
