@@ -30,7 +30,8 @@ MutableBytes ListWriter::single() {
 void ListWriter::write() {
     if (def_.rule != Rule::Singleton) bytes_.resize(bytes_.size() + def_.key);  // the terminator
     const std::int32_t result = Tarv__SetConfig(def_.id, bytes_.data());
-    if (result != 0) throw Failure(kExitIo, fmt::format("Tarv__SetConfig refused class {} (result {})", def_.id, result));
+    if (result != 0)
+        throw Failure(kExitIo, fmt::format("Tarv__SetConfig refused class {} (result {})", def_.id, result));
 }
 
 void put_mep_alarm(std::uint8_t* region, std::uint32_t slot, std::uint16_t bits, std::string_view text) {

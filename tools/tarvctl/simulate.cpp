@@ -158,7 +158,9 @@ private:
     // Whether any pending change concerns the MEP or its tests and sessions.
     [[nodiscard]] bool busy(Bytes mep_key) const {
         return std::any_of(pending_.begin(), pending_.end(),
-                           [&](const Pending& p) { return p.kind == Pending::Kind::MepBack || of_mep(p.key, mep_key); });
+                           [&](const Pending& p) {
+                               return p.kind == Pending::Kind::MepBack || of_mep(p.key, mep_key);
+                           });
     }
     void later(Pending::Kind kind, Bytes key, unsigned bit, std::uint32_t low, std::uint32_t high,
                std::shared_ptr<Removed> removed = nullptr) {
@@ -172,7 +174,8 @@ private:
         const std::uint32_t s = tarv::find_slot(region_, table, key.data(),
                                                 tarv::slot_hint(key.data(), static_cast<std::uint32_t>(key.size())));
         if (s == tarv::kNotFound)
-            throw Failure(kExitIo, fmt::format("the key {} vanished from the region: is another writer at work?", hex(key)));
+            throw Failure(kExitIo,
+                          fmt::format("the key {} vanished from the region: is another writer at work?", hex(key)));
         return s;
     }
 
@@ -217,8 +220,10 @@ private:
         put_mep_alarm(region_, s, word, text);
         put_mep_old_moid(region_, s, Bytes(mep).first(TARV_MOID_SIZE));
         const bool raised = ((unsigned{word} >> bit) & 1U) != 0;
-        const Defect& d = *std::find_if(std::begin(kDefects), std::end(kDefects), [bit](const Defect& x) { return x.bit == bit; });
-        return {fmt::format("{}: alarm bit {} ({}) {}{}", name(cls::kMep, mep), bit, d.name, raised ? "raised" : "cleared",
+        const Defect& d =
+            *std::find_if(std::begin(kDefects), std::end(kDefects), [bit](const Defect& x) { return x.bit == bit; });
+        return {fmt::format("{}: alarm bit {} ({}) {}{}", name(cls::kMep, mep), bit, d.name,
+                            raised ? "raised" : "cleared",
                             text.empty() ? "" : ", text \"" + text + "\""),
                 {{"event", raised ? "mepAlarmRaised" : "mepAlarmCleared"},
                  {"mep", mep_json(mep)},
@@ -232,7 +237,8 @@ private:
         std::vector<std::pair<const std::vector<std::uint8_t>*, unsigned>> candidates;
         for (const auto& m : meps_)
             for (const Defect& d : kDefects)
-                if (!pending(Pending::Kind::MepBit, Bytes(m).first(TARV_MOID_SIZE), d.bit)) candidates.emplace_back(&m, d.bit);
+                if (!pending(Pending::Kind::MepBit, Bytes(m).first(TARV_MOID_SIZE), d.bit))
+                    candidates.emplace_back(&m, d.bit);
         if (candidates.empty()) return std::nullopt;
         const auto& [mep, bit] = candidates[random_.below(static_cast<std::uint32_t>(candidates.size()))];
         const std::vector<std::uint8_t> m = *mep;
@@ -273,7 +279,8 @@ private:
         const Records tests = records_of(cls::kThroughput);
         std::vector<Bytes> candidates;
         for (const auto& t : tests)
-            if (!pending(Pending::Kind::TestDone, Bytes(t).first(TARV_THROUGHPUT_KEY_SIZE))) candidates.emplace_back(Bytes(t).first(TARV_THROUGHPUT_KEY_SIZE));
+            if (const Bytes key = Bytes(t).first(TARV_THROUGHPUT_KEY_SIZE); !pending(Pending::Kind::TestDone, key))
+                candidates.push_back(key);
         if (candidates.empty()) return std::nullopt;
         const Bytes key = candidates[random_.below(static_cast<std::uint32_t>(candidates.size()))];
         put_throughput_status(region_, slot(tarv::Table::ThroughputMoidArray, key), 2);
@@ -373,7 +380,8 @@ private:
         const Bytes key = Bytes(removed->mep).first(TARV_MOID_SIZE);
         // Keeps what is not the MEP's; moves what is to `taken`.
         auto split = [key](Records list, Records& taken) {
-            const auto mine = std::stable_partition(list.begin(), list.end(), [key](const auto& t) { return !of_mep(t, key); });
+            const auto mine =
+                std::stable_partition(list.begin(), list.end(), [key](const auto& t) { return !of_mep(t, key); });
             taken.assign(mine, list.end());
             list.erase(mine, list.end());
             return list;
