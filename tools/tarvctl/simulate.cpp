@@ -125,11 +125,25 @@ public:
     Change step(std::uint64_t round) {
         round_ = round;
         meps_ = records_of(cls::kMep);
-        auto due = std::min_element(pending_.begin(), pending_.end(),
-                                    [](const Pending& a, const Pending& b) { return a.due < b.due; });
-        if (due != pending_.end() && due->due <= round) return finish(due);
-        // Otherwise something new, by weight; a kind without a candidate
-        // passes to the next.
+        // Each pass either makes a change or drops a pending one.
+        for (;;) {
+            auto due = std::min_element(pending_.begin(), pending_.end(),
+                                        [](const Pending& a, const Pending& b) { return a.due < b.due; });
+            if (due != pending_.end() && due->due <= round) {
+                if (auto c = finish(due)) return std::move(*c);
+                continue;
+            }
+            if (auto c = something_new()) return std::move(*c);
+            // Everything is busy: the first pending change comes early.
+            if (due == pending_.end()) throw Failure(kExitIo, "the region no longer holds a MEP to simulate");
+            if (auto c = finish(due)) return std::move(*c);
+        }
+    }
+
+private:
+    // A change of a kind chosen by weight; a kind without a candidate passes
+    // to the next.
+    std::optional<Change> something_new() {
         constexpr std::array<std::uint32_t, 5> kWeights{36, 20, 14, 20, 10};
         std::uint32_t pick = random_.below(100);
         std::size_t kind = 0;
@@ -143,13 +157,11 @@ public:
                 case 3: c = bwn_update(); break;
                 default: c = mep_remove(); break;
             }
-            if (c) return std::move(*c);
+            if (c) return c;
         }
-        if (due == pending_.end()) throw Failure(kExitIo, "the region no longer holds a MEP to simulate");
-        return finish(due);  // everything is busy: the first pending change comes early
+        return std::nullopt;
     }
 
-private:
     [[nodiscard]] bool pending(Pending::Kind kind, Bytes key, unsigned bit = 0) const {
         return std::any_of(pending_.begin(), pending_.end(), [&](const Pending& p) {
             return p.kind == kind && p.bit == bit && std::equal(key.begin(), key.end(), p.key.begin(), p.key.end());
@@ -303,7 +315,9 @@ private:
                                                k.id[1], k.id[2], k.id[3], centi_mbps / 100, centi_mbps % 100,
                                                centi_loss / 100, centi_loss % 100);
         const ClassDef& h = class_of(cls::kHistory);
-        std::uint32_t free = h.slots, oldest = 0, newest = 0;
+        std::uint32_t free = h.slots;
+        std::uint32_t oldest = 0;
+        std::uint32_t newest = 0;
         for (std::uint32_t s = 0; s < h.slots; ++s) {
             const std::uint32_t id = le32(tarv::entry(region_, tarv::Table::ThroughputHistoryIdArray, s));
             if (id == 0) {
@@ -422,20 +436,21 @@ private:
                  {"pmSessions", r.sessions.size()}}};
     }
 
-    Change finish(std::vector<Pending>::iterator it) {
+    // The pending change at `it`; nothing when its MEP is gone.
+    std::optional<Change> finish(std::vector<Pending>::iterator it) {
         const Pending p = std::move(*it);
         pending_.erase(it);
         switch (p.kind) {
             case Pending::Kind::MepBit: {
                 const auto* mep = find_mep(p.key);
-                if (mep != nullptr) return flip_mep_bit(*mep, p.bit);
-                break;
+                if (mep == nullptr) return std::nullopt;
+                return flip_mep_bit(*mep, p.bit);
             }
             case Pending::Kind::PmBit: return flip_pm_bit(p.key, p.bit);
             case Pending::Kind::TestDone: return test_done(p.key);
             case Pending::Kind::MepBack: return mep_back(*p.removed);
         }
-        return step(round_);  // its MEP is gone: something else instead
+        return std::nullopt;
     }
 
     std::uint8_t* region_;
