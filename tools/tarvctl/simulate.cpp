@@ -93,8 +93,8 @@ Records records_of(std::uint32_t class_id) {
     return out;
 }
 
-// Whether a transfer record of class c belongs to the MEP with this key
-// (lId1..lId3 equal).
+// Whether a transfer record (of a MEP, PM session, throughput test or
+// bandwidth notification) belongs to the MEP with this key: lId1..lId3 equal.
 bool of_mep(Bytes transfer, Bytes mep_key) {
     return std::equal(mep_key.begin() + 2, mep_key.begin() + TARV_MOID_SIZE, transfer.begin() + 2);
 }
