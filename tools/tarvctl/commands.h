@@ -38,6 +38,8 @@ void add_check(CLI::App& app, const Options& options, Commands& commands);
 void add_get(CLI::App& app, const Options& options, Commands& commands);
 void add_set(CLI::App& app, const Options& options, Commands& commands);
 void add_watch(CLI::App& app, const Options& options, Commands& commands);
+void add_simulate(CLI::App& app, const Options& options, Commands& commands);
+void add_metrics(CLI::App& app, const Options& options, Commands& commands);
 // port, vlan, vfi, lag and slot.
 void add_queries(CLI::App& app, const Options& options, Commands& commands);
 

@@ -14,6 +14,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "controller.h"
 #include "common/objects.h"
 #include "common/records.h"
 #include "show.h"
@@ -23,35 +24,6 @@
 namespace tarvctl {
 using namespace tarvtool;  // the shared tool library
 namespace {
-
-// One class's transfer list, built record by record and written whole.
-class ListWriter {
-public:
-    explicit ListWriter(std::uint32_t class_id) : def_(class_of(class_id)) {}
-
-    // Appends an object; returns its record's bytes, zero-filled, to be set.
-    MutableBytes add(std::initializer_list<std::uint32_t> ids, std::uint8_t session = 0) {
-        const std::vector<std::uint8_t> key = make_key(def_, ids, session);
-        bytes_.insert(bytes_.end(), key.begin(), key.end());
-        bytes_.resize(bytes_.size() + def_.record);
-        return MutableBytes(bytes_).last(def_.record);
-    }
-    // The record of a singleton.
-    MutableBytes single() {
-        bytes_.assign(def_.record, 0);
-        return bytes_;
-    }
-    void write() {
-        if (def_.rule != Rule::Singleton) bytes_.resize(bytes_.size() + def_.key);  // the terminator
-        const std::int32_t result = Tarv__SetConfig(def_.id, bytes_.data());
-        if (result != 0)
-            throw Failure(kExitIo, fmt::format("Tarv__SetConfig refused class {} (result {})", def_.id, result));
-    }
-
-private:
-    const ClassDef& def_;
-    std::vector<std::uint8_t> bytes_;
-};
 
 void fill(MutableBytes record, std::initializer_list<std::uint8_t> bytes, std::size_t offset = 0) {
     std::copy(bytes.begin(), bytes.end(), record.begin() + static_cast<std::ptrdiff_t>(offset));
@@ -211,25 +183,16 @@ void write_configuration() {
 
 // The controller's part, written straight into the region.
 void write_controller_state(std::uint8_t* region) {
-    using tarv::Table;
     for (const DemoMep& m : kMeps) {
         const std::uint32_t slot = m.mep - 1;
-        tarv::set(tarv::entry(region, Table::MepDataArray, slot), tarv::mep::wAlarmBits, m.alarm_bits);
-        const std::vector<std::uint8_t> key = make_key(class_of(cls::kMep), {m.md, m.ma, m.mep});
-        std::memcpy(tarv::entry(region, Table::MepOldMoidArray, slot), key.data(), key.size());
-        std::strncpy(reinterpret_cast<char*>(tarv::entry(region, Table::MepAlarmTextArray, slot)), m.alarm_text,
-                     tarv::alarm_text::kMaxChars);
+        put_mep_alarm(region, slot, m.alarm_bits, m.alarm_text);
+        put_mep_old_moid(region, slot, make_key(class_of(cls::kMep), {m.md, m.ma, m.mep}));
     }
-    for (const DemoSession& s : kSessions) {
-        const std::vector<std::uint8_t> key = make_key(class_of(cls::kPmSession), {s.md, s.ma, s.mep}, s.session);
-        std::memcpy(tarv::entry(region, Table::PMSessionOldMoidArray, s.session), key.data(), key.size());
-        std::memcpy(tarv::entry(region, Table::PMAlarmMoidArray, s.session), key.data(), key.size());
-        store_le16(tarv::entry(region, Table::PMAlarmBlock, s.session), s.alarm_word);
-    }
+    for (const DemoSession& s : kSessions)
+        put_pm_alarm(region, s.session, make_key(class_of(cls::kPmSession), {s.md, s.ma, s.mep}, s.session),
+                     s.alarm_word);
     for (const DemoTest& t : kTests)
-        if (t.running)
-            tarv::set(tarv::entry(region, Table::ThroughputDataArray, t.test - 1), tarv::throughput::eEnableStatus,
-                      std::uint32_t{2});
+        if (t.running) put_throughput_status(region, t.test - 1, 2);
 }
 
 // The controller's checkpoint record: a sequence number and the number of

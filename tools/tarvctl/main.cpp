@@ -27,7 +27,8 @@ constexpr char kFooter[] = R"(Exit status:
   3  no OAM data region in shared memory (create one with 'tarvctl init')
   4  a file or region cannot be read, written or mapped, or has the wrong size; standard output
      cannot be written (a full disk; a closed pipe ends tarvctl quietly)
-  5  demo refused: the region is not empty (demo --force replaces it)
+  5  refused: demo on a region that is not empty (demo --force replaces it); simulate on the real
+     region (without --force) or on one without MEPs
 
 Environment:
   TARV_SHM_PREFIX   shared-memory prefix when --prefix is not given
@@ -115,6 +116,8 @@ int run_command_line(int argc, char** argv) {
     add_queries(app, options, commands);
     add_snapshot(app, options, commands);
     add_watch(app, options, commands);
+    add_simulate(app, options, commands);
+    add_metrics(app, options, commands);
 
     try {
         app.parse(argc, argv);

@@ -1,15 +1,10 @@
 // tarvctl watch: polls the region and prints what changed, class by class,
 // and the alarm bits raised and cleared, until interrupted (or for --count
 // polls).
-#include <signal.h>
-#include <time.h>
-
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <csignal>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,33 +14,13 @@
 #include "common/objects.h"
 #include "common/records.h"
 #include "show.h"
+#include "stop.h"
 #include "common/status.h"
 #include "tarv/tarv.h"
 
 namespace tarvctl {
 using namespace tarvtool;  // the shared tool library
 namespace {
-
-volatile std::sig_atomic_t g_stop = 0;
-
-extern "C" void on_stop_signal(int) { g_stop = 1; }
-
-void catch_stop_signals() {
-    struct sigaction action {};
-    action.sa_handler = on_stop_signal;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = 0;  // no SA_RESTART: the sleep ends at once
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-}
-
-// Sleeps `ms` milliseconds; false when a stop signal came first.
-bool sleep_ms(std::uint32_t ms) {
-    timespec left{static_cast<time_t>(ms / 1000), static_cast<long>(ms % 1000) * 1000000L};
-    while (g_stop == 0 && nanosleep(&left, &left) != 0 && errno == EINTR) {
-    }
-    return g_stop == 0;
-}
 
 // The controller may rewrite a class while it is read: a list counts once
 // two reads in a row agree (or after a few tries, the last one).
