@@ -63,7 +63,7 @@ def expected():
     """What 'tarvctl show --json' says the compared columns hold: every access to its keys is here."""
     show = json.loads(sp.run([tarvctl, "show", "--json"], env=env, capture_output=True, check=True).stdout)
     tagging = {"C-VLAN": 1, "S-VLAN": 2, "VFI": 5}
-    words = {(a["md"], a["ma"], a["mep"]): a["alarms"] for a in show["alarms"]["meps"]}
+    words = {(a["mep"]["md"], a["mep"]["ma"], a["mep"]["mep"]): a["alarms"] for a in show["alarms"]["meps"] if a["mep"]}
     e = {}
     for d in show["mds"]:
         e.update({f"{tables['md']}.3.{d['md']}": d["name"].encode().hex(), f"{tables['md']}.4.{d['md']}": str(d["level"])})
@@ -76,8 +76,9 @@ def expected():
         i = f"{m['md']}.{m['ma']}.{m['mepId']}"
         word = words.get((m["md"], m["ma"], m["mep"]), 0) & 0x1F
         e.update({f"{tables['list']}.2.{i}": "1", f"{tables['mep']}.3.{i}": {"Down": "1", "Up": "2"}[m["direction"]],
-                  f"{tables['mep']}.2.{i}": str({6: 4242}.get(m.get("lag"), 10000 + m["lag"] if m.get("lag") else
-                                                          1000 * m["slot"] + m["port"])),
+                  f"{tables['mep']}.2.{i}": str({6: 4242}.get(m["port"].get("lag"), 10000 + m["port"]["lag"]
+                                                          if "lag" in m["port"] else
+                                                          1000 * m["port"]["slot"] + m["port"]["port"])),
                   f"{tables['mep']}.4.{i}": str(m["vid"]), f"{tables['mep']}.9.{i}": m["mac"].replace(":", ""),
                   f"{tables['mep']}.13.{i}": str(word.bit_length()),
                   f"{tables['mep']}.14.{i}": f"{int(f'{word:05b}'[::-1], 2) << 3:02x}"})

@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
 # A bounded soak of a live region: `tarvctl simulate` plays the controller at
 # a high rate while readers run beside it (show --json in a loop, watch,
-# metrics once a round and into a textfile). Passes when nothing crashes or
+# metrics once a round and into a textfile, and, given the SNMP subagent, a
+# bulk walk of its MIB tables through a private snmpd). Passes when nothing crashes or
 # hangs, every JSON document and line parses, watch saw changes, promtool
 # accepts the metrics (when installed) and, once simulate has stopped,
 # check finds nothing. Everything runs on a private shared-memory prefix
 # and is stopped by its process id; nothing is left in /dev/shm.
 #
-# Usage: soak.sh TARVCTL [SECONDS] [RATE]   (default 60 s, 500 changes/s)
+# Usage: soak.sh TARVCTL [SECONDS] [RATE] [TARV_AGENTX]   (default 60 s, 500 changes/s)
 set -u
-tarvctl=$1 seconds=${2:-60} rate=${3:-500}
+tarvctl=$1 seconds=${2:-60} rate=${3:-500} agentx=${4:-}
 
 prefix="soak$$x${RANDOM}-"
 work=$(mktemp -d)
@@ -37,6 +38,20 @@ mkdir "$work/textfile"
 "$tarvctl" metrics --textfile "$work/textfile" --interval 0.2 &
 exporter=$!
 pids+=("$exporter")
+if [ -n "$agentx" ]; then
+    # The master on a free loopback port and a private AgentX socket.
+    port=$(python3 -c 'import socket; s = socket.socket(socket.AF_INET, socket.SOCK_DGRAM); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+    printf 'agentaddress udp:127.0.0.1:%s\nmaster agentx\nagentXSocket %s/agentx\nrocommunity public 127.0.0.1\n' \
+        "$port" "$work" >"$work/snmpd.conf"
+    SNMP_PERSISTENT_DIR=$work/state snmpd -f -Lf "$work/snmpd.log" -C -c "$work/snmpd.conf" -p "$work/snmpd.pid" &
+    master=$!
+    pids+=("$master")
+    for _ in $(seq 100); do [ -S "$work/agentx" ] && break; sleep 0.1; done
+    "$agentx" --foreground --agentx-socket "$work/agentx" 2>"$work/agentx.log" &
+    subagent=$!
+    pids+=("$subagent")
+fi
+walks=0
 
 # The readers, one round after another until simulate ends (bounded: a
 # simulate that does not stop in time is a hang).
@@ -50,12 +65,17 @@ while kill -0 "$sim" 2>/dev/null; do
     if command -v promtool >/dev/null; then
         promtool check metrics <"$work/metrics.txt" || fail "promtool refused the metrics"
     fi
-    # >>> The SNMP subagent's walks join here (snmpwalk of its subtrees
-    # >>> against the same region), each failing the soak on an error.
+    if [ -n "$agentx" ]; then
+        kill -0 "$subagent" 2>/dev/null || fail "tarv-agentx ended: $(cat "$work/agentx.log")"
+        MIBS= snmpbulkwalk -v2c -c public -On -Cr50 -t 5 -r 1 "127.0.0.1:$port" .1.3.111.2.802.1.1.8.1 \
+            >"$work/walk.txt" 2>&1 || fail "the walk of the CFM MIB failed: $(tail -3 "$work/walk.txt")"
+        walks=$((walks + $(grep -c '^\.1\.3\.111\.2\.802\.1\.1\.8\.1\.' "$work/walk.txt")))
+    fi
     rounds=$((rounds + 1))
 done
 wait "$sim" || fail "simulate ended with $?"
 pids=("$watcher" "$exporter")
+[ -z "$agentx" ] || pids+=("$subagent" "$master")
 
 # watch and metrics end on SIGTERM with status 0, in bounded time.
 for pid in "$watcher" "$exporter"; do
@@ -77,7 +97,11 @@ grep -qE '^[-+*] ' "$work/watch.txt" || fail "watch reported no change"
 [ -s "$work/textfile/tarv.prom" ] || fail "metrics wrote no textfile"
 "$tarvctl" check >/dev/null || fail "check found inconsistencies after simulate stopped: $("$tarvctl" check)"
 
-echo "soak: $changes changes in ${seconds} s, $rounds reader rounds, $(grep -cE '^[-+*] ' "$work/watch.txt") watch lines"
+if [ -n "$agentx" ]; then
+    [ "$walks" -gt 0 ] || fail "the walks of the CFM MIB returned nothing"
+    kill -TERM "$subagent" && wait "$subagent" || fail "tarv-agentx ended with $? on SIGTERM"
+fi
+echo "soak: $changes changes in ${seconds} s, $rounds reader rounds, $(grep -cE '^[-+*] ' "$work/watch.txt") watch lines, $walks MIB values walked"
 cleanup
 trap - EXIT
 leftover=$(ls /dev/shm | grep -c "^$prefix")

@@ -65,7 +65,7 @@ void install_signal_handlers() {
 }
 
 int serve(const Settings& s) {
-    tarvtool::select_prefix(s.options);
+    tarvtool::prepare_platform(s.options);
     tarvagentx::IfIndexMap map =
         s.ifindex_map.empty() ? tarvagentx::IfIndexMap{} : tarvagentx::IfIndexMap::load(s.ifindex_map);
 
