@@ -68,7 +68,7 @@ std::string write_backup(Bytes region, const std::string& path) {
     make_dirs(dir);
     std::string object = object_name(kDataRegion).substr(1);
     const std::string stem = fmt::format("{}/{}-{}", dir, object, file_time(now_ms()));
-    for (int n = 1; n <= 100; ++n) {
+    for (int n = 1; n <= 1000; ++n) {
         const std::string name = n == 1 ? stem + ".snap" : fmt::format("{}-{}.snap", stem, n);
         const int fd = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         if (fd < 0 && errno == EEXIST) continue;
@@ -76,7 +76,7 @@ std::string write_backup(Bytes region, const std::string& path) {
         write_all(fd, file, name);
         return name;
     }
-    throw Failure(kExitIo, fmt::format("cannot create the backup: '{}.snap' and 100 more names are taken", stem));
+    throw Failure(kExitIo, fmt::format("cannot create the backup: '{}.snap' and 999 more names are taken", stem));
 }
 
 std::string undo_command(const Options& options, const std::string& backup) {

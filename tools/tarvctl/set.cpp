@@ -75,12 +75,13 @@ long slot_of(const ClassDef& c, const TransferEntry& e, std::size_t position) {
 
 // What the library would store without a word and lose.
 void check_entries(const ClassDef& c, const std::vector<TransferEntry>& entries, const std::string& path,
-                   bool allow_empty) {
+                   bool allow_empty, Bytes region) {
     if (c.rule != Rule::List && c.rule != Rule::History) return;
-    if (entries.empty() && !allow_empty)
-        throw Failure(kExitUsage, fmt::format("'{}' holds no records: the write would remove every {} of the region; "
-                                              "give --allow-empty to empty the class",
-                                              path, c.title));
+    const std::size_t held = stored_objects(c, region).size();
+    if (entries.empty() && held > 0 && !allow_empty)
+        throw Failure(kExitUsage, fmt::format("'{}' holds no records: the write would remove all {} {} objects of the "
+                                              "region; give --allow-empty to empty the class",
+                                              path, held, class_text(c)));
     if (entries.size() > c.slots)
         refuse(kExitUsage, path, entries[c.slots].where, fmt::format("class {} holds at most {} records", c.id, c.slots));
     std::vector<long> slots;
@@ -183,9 +184,9 @@ int set(const Options& options, const SetArgs& args) {
     const ClassDef& c = parse_class(args.class_name);
     const std::string& path = args.file;
     const std::vector<TransferEntry> entries = parse_transfer(c, read_input(path), path);
-    check_entries(c, entries, path, args.allow_empty);
-    const std::vector<std::uint8_t> list = transfer_list(c, entries, path);
     const std::vector<std::uint8_t> before = current_region();
+    check_entries(c, entries, path, args.allow_empty, before);
+    const std::vector<std::uint8_t> list = transfer_list(c, entries, path);
     if (!args.stop_tests) check_running_tests(c, entries, before, path);
     const bool carry_bwn = c.id == cls::kMep && !args.drop_bwn;
     if (args.dry_run) {
@@ -231,7 +232,7 @@ void add_set(CLI::App& app, const Options& options, Commands& commands) {
         "and the UTC time), and prints the command that undoes the write. --dry-run writes on a private copy\n"
         "and prints what would change: \"+ MEP 1/1/7\", \"- MIP 2/2/2\", \"* MEP 1/1/1: wVid 100 -> 101\".\n"
         "Refused with the region unchanged (exit status 2): a malformed file; an empty one (no records)\n"
-        "unless --allow-empty; a key of another class; two records with one key or one slot; more records\n"
+        "unless --allow-empty, when the class holds objects; a key of another class; two records with one key or one slot; more records\n"
         "than the class has slots; a record whose instance or session id addresses no slot; an all-zero key.\n"
         "Refused with exit status 5: a throughput write over a test whose stored eEnableStatus is not 1 (the\n"
         "write would stop it), unless --stop-running-tests.\n"
