@@ -99,7 +99,8 @@ void diff_mep_alarms(Bytes before, Bytes after, std::vector<Change>& out) {
         const std::uint16_t b = word(after);
         if (a == b) continue;
         const Bytes key = all_zero(after.subspan(k, c.key)) ? before.subspan(k, c.key) : after.subspan(k, c.key);
-        Change change = make(Change::Kind::Alarm, &c, label(c, key), key);
+        Change change = make(Change::Kind::Alarm, &c, label(c, key), key,
+                             (all_zero(after.subspan(k, c.key)) ? before : after).subspan(r, c.record));
         change.word_before = a;
         change.word_after = b;
         out.push_back(std::move(change));
@@ -174,6 +175,20 @@ std::string bits_text(const std::vector<unsigned>& bits) {
     return fmt::format("{} {}", bits.size() == 1 ? "bit" : "bits", fmt::join(bits, ", "));
 }
 
+// A MEP as every JSON view refers to it.
+Json mep_reference(Bytes key, Bytes record) {
+    const KeyIds ids = key_ids(class_of(cls::kMep), key);
+    const auto slot = value(record, field::byMepSlot);
+    const auto port = value(record, field::byMepPort);
+    Json j = Json::object();
+    j["md"] = ids.id[0];
+    j["ma"] = ids.id[1];
+    j["mep"] = ids.id[2];
+    j["mepId"] = value(record, field::wMepId);
+    j["port"] = slot == kLagSlot ? Json{{"lag", port}} : Json{{"slot", slot}, {"port", port}};
+    return j;
+}
+
 }  // namespace
 
 std::vector<Change> diff_regions(Bytes before, Bytes after) {
@@ -225,6 +240,7 @@ Json change_json(const Change& change) {
     j["class"] = change.def->id;
     j["object"] = change.name;
     if (!change.key.empty() && !all_zero(change.key)) j["key"] = key_json(*change.def, change.key);
+    if (change.def->id == cls::kMep && !change.record.empty()) j["mep"] = mep_reference(change.key, change.record);
     if (change.kind == Change::Kind::Changed) {
         Json fields = Json::object();
         for (const FieldChange& f : change.fields) fields[f.name] = Json{{"before", f.before}, {"after", f.after}};
