@@ -19,9 +19,10 @@ watching /T-kelm-data every 20 ms: 3 MDs, 3 MAs, 6 MEPs, 2 MIPs, 2 throughput te
 2026-11-25T01:35:00.123Z * MEP 2/2/4: wVid 200 -> 201
 2026-11-25T01:35:00.123Z * MEP 2/2/6: wVid 200 -> 201
 [exit 0]
-# A region removed and created again is followed; one that stays away ends
+# A region removed and created again (whole, as a controller would) is followed; one that stays away ends
 # watch with status 3.
-$ tarvctl watch --interval 20 --count 300 --json > w.json & until grep -q start w.json 2>/dev/null; do sleep 0.02; done; rm /dev/shm/${TARV_SHM_PREFIX}kelm-data; until grep -q regionRemoved w.json; do sleep 0.02; done; tarvctl snapshot load demo.bin >/dev/null; wait $!; echo "watch ended with $?"; cat w.json
+$ tarvctl watch --interval 20 --count 300 --json > w.json & until grep -q start w.json 2>/dev/null; do sleep 0.02; done; rm /dev/shm/${TARV_SHM_PREFIX}kelm-data; until grep -q regionRemoved w.json; do sleep 0.02; done; tarvctl --region demo.bin snapshot save --raw /dev/shm/${TARV_SHM_PREFIX}new 2>/dev/null; mv /dev/shm/${TARV_SHM_PREFIX}new /dev/shm/${TARV_SHM_PREFIX}kelm-data; wait $!; echo "watch ended with $?"; cat w.json
+saved file demo.bin to /dev/shm/T-new (raw image, 453075 bytes)
 watch ended with 0
 {"schema":1,"time":"2026-11-25T01:35:00.123Z","event":"start","region":"/T-kelm-data","intervalMs":20}
 {"schema":1,"time":"2026-11-25T01:35:00.123Z","event":"regionRemoved","region":"/T-kelm-data"}
