@@ -28,8 +28,8 @@ std::vector<StoredObject> stored_objects(const ClassDef& c, Bytes region) {
     if (c.rule == Rule::Singleton) return {Slot{0, {}, region.subspan(data.base, c.record)}};
     std::vector<Slot> found;
     for (std::uint32_t s = 0; s < c.slots; ++s) {
-        const Bytes key = region.subspan(keys.base + std::size_t{s} * keys.entry, c.key);
-        if (!all_zero(key)) found.push_back(Slot{s, key, region.subspan(data.base + std::size_t{s} * data.entry, c.record)});
+        const Bytes key = region.subspan(keys.base + static_cast<std::size_t>(s) * keys.entry, c.key);
+        if (!all_zero(key)) found.push_back(Slot{s, key, region.subspan(data.base + static_cast<std::size_t>(s) * data.entry, c.record)});
     }
     return found;
 }
@@ -88,8 +88,8 @@ void diff_mep_alarms(Bytes before, Bytes after, std::vector<Change>& out) {
     const ClassDef& c = class_of(cls::kMep);
     const tarv::ClassInfo& i = info_of(c);
     for (std::uint32_t s = 0; s < c.slots; ++s) {
-        const std::size_t k = tarv::info(i.keys).base + std::size_t{s} * tarv::info(i.keys).entry;
-        const std::size_t r = tarv::info(i.data).base + std::size_t{s} * tarv::info(i.data).entry;
+        const std::size_t k = tarv::info(i.keys).base + static_cast<std::size_t>(s) * tarv::info(i.keys).entry;
+        const std::size_t r = tarv::info(i.data).base + static_cast<std::size_t>(s) * tarv::info(i.data).entry;
         const auto word = [&](Bytes region) {
             return all_zero(region.subspan(k, c.key)) ? std::uint16_t{0}
                                                       : static_cast<std::uint16_t>(value(region.subspan(r, c.record),
@@ -114,11 +114,11 @@ void diff_pm_alarms(Bytes before, Bytes after, std::vector<Change>& out) {
     const tarv::TableInfo& block = tarv::info(tarv::Table::PMAlarmBlock);
     const tarv::TableInfo& keys = tarv::info(tarv::Table::PMAlarmMoidArray);
     for (std::uint32_t s = 0; s < block.slots; ++s) {
-        const std::size_t at = block.base + std::size_t{s} * block.entry;
+        const std::size_t at = block.base + static_cast<std::size_t>(s) * block.entry;
         const std::uint16_t a = le16(before.data() + at);
         const std::uint16_t b = le16(after.data() + at);
         if (a == b) continue;
-        const Bytes key = after.subspan(keys.base + std::size_t{s} * keys.entry, c.key);
+        const Bytes key = after.subspan(keys.base + static_cast<std::size_t>(s) * keys.entry, c.key);
         Change change =
             make(Change::Kind::Alarm, &c, all_zero(key) ? fmt::format("PM slot {}", s) : label(c, key), key);
         change.word_before = a;

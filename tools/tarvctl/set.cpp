@@ -69,7 +69,8 @@ std::string class_text(const ClassDef& c) {
 long slot_of(const ClassDef& c, const TransferEntry& e, std::size_t position) {
     if (c.placement == Placement::Packed) return static_cast<long>(position);
     const KeyIds ids = key_ids(c, e.key);
-    const long slot = c.session_keyed() ? long{ids.session} : long{ids.id[ids.count - 1] & 0xFFFF} - 1;
+    const long last = static_cast<long>(ids.id[ids.count - 1] & 0xFFFF);
+    const long slot = c.session_keyed() ? static_cast<long>(ids.session) : last - 1;
     return slot >= 0 && slot < static_cast<long>(c.slots) ? slot : -1;
 }
 

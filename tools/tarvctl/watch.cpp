@@ -74,7 +74,9 @@ std::optional<Image> map_once(const std::string& object) {
     close(fd);
     if (base == MAP_FAILED) return std::nullopt;
     const auto* bytes = static_cast<const std::uint8_t*>(base);
-    Image image{st.st_ino, {bytes, bytes + kDataRegionSize}};
+    Image image;
+    image.inode = st.st_ino;
+    image.bytes.assign(bytes, bytes + kDataRegionSize);
     munmap(base, kDataRegionSize);
     return image;
 }

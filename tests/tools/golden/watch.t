@@ -1,12 +1,17 @@
 # The first poll reports the region; later ones, each after the time, the
-# objects added and removed, the fields changed and the alarm bits.
+# objects added and removed, the fields changed and the alarm bits. The
+# region is replaced whole, so that no poll sees it half written.
 $ tarvctl snapshot load demo.bin
 loaded demo.bin into /T-kelm-data
 [exit 0]
-$ tarvctl watch --interval 20 --count 200 > w.txt & until grep -q watching w.txt 2>/dev/null; do sleep 0.02; done; tarvctl snapshot load --force demo2.bin >/dev/null; until grep -q MepOldMoidArray w.txt; do sleep 0.02; done; tarvctl get mep --json | sed 's/"wVid": 200,/"wVid": 201,/' | tarvctl set mep - >/dev/null; wait $!; echo "watch ended with $?"; cat w.txt
+$ tarvctl watch --interval 20 --count 200 > w.txt & until grep -q watching w.txt 2>/dev/null; do sleep 0.02; done; (export TARV_SHM_PREFIX=${TARV_SHM_PREFIX}p; tarvctl snapshot load demo2.bin; tarvctl get mep --json | sed 's/"wVid": 200,/"wVid": 201,/' | tarvctl set mep -) >/dev/null; mv /dev/shm/${TARV_SHM_PREFIX}pkelm-data /dev/shm/${TARV_SHM_PREFIX}kelm-data; wait $!; echo "watch ended with $?"; cat w.txt
 watch ended with 0
 watching /T-kelm-data every 20 ms: 3 MDs, 3 MAs, 6 MEPs, 2 MIPs, 2 throughput tests, 2 PM sessions, 6 bandwidth notifications
+2026-11-25T01:35:00.123Z /T-kelm-data replaced
 2026-11-25T01:35:00.123Z + MEP 1/1/7
+2026-11-25T01:35:00.123Z * MEP 2/2/3: wVid 200 -> 201
+2026-11-25T01:35:00.123Z * MEP 2/2/4: wVid 200 -> 201
+2026-11-25T01:35:00.123Z * MEP 2/2/6: wVid 200 -> 201
 2026-11-25T01:35:00.123Z - MIP 2/2/2
 2026-11-25T01:35:00.123Z + bandwidth notification 1/1/7
 2026-11-25T01:35:00.123Z * MEP 1/1/1: alarm bit 1 raised
@@ -15,12 +20,9 @@ watching /T-kelm-data every 20 ms: 3 MDs, 3 MAs, 6 MEPs, 2 MIPs, 2 throughput te
 2026-11-25T01:35:00.123Z * table Class577MoidArray: 5 bytes differ
 2026-11-25T01:35:00.123Z * table Class578MoidArray: 5 bytes differ
 2026-11-25T01:35:00.123Z * table MepOldMoidArray: 5 bytes differ
-2026-11-25T01:35:00.123Z * MEP 2/2/3: wVid 200 -> 201
-2026-11-25T01:35:00.123Z * MEP 2/2/4: wVid 200 -> 201
-2026-11-25T01:35:00.123Z * MEP 2/2/6: wVid 200 -> 201
 [exit 0]
-# A region removed and created again (whole, as a controller would) is followed; one that stays away ends
-# watch with status 3.
+# A region removed and created again (whole, as a controller creates it) is
+# followed; one that stays away ends watch with status 3.
 $ tarvctl watch --interval 20 --count 300 --json > w.json & until grep -q start w.json 2>/dev/null; do sleep 0.02; done; rm /dev/shm/${TARV_SHM_PREFIX}kelm-data; until grep -q regionRemoved w.json; do sleep 0.02; done; tarvctl --region demo.bin snapshot save --raw /dev/shm/${TARV_SHM_PREFIX}new 2>/dev/null; mv /dev/shm/${TARV_SHM_PREFIX}new /dev/shm/${TARV_SHM_PREFIX}kelm-data; wait $!; echo "watch ended with $?"; cat w.json
 saved file demo.bin to /dev/shm/T-new (raw image, 453075 bytes)
 watch ended with 0
