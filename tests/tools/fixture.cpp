@@ -2,6 +2,7 @@
 // own table directory and field list, from the demo region that `tarvctl
 // demo` wrote (demo.bin, as the configuration-database manager and the
 // controller leave a region):
+//   demo.raw    demo.bin as a raw image, without the snapshot header
 //   empty.bin   a zero-filled region
 //   demo2.bin   demo.bin with a MEP added, a MIP removed, and alarm bits
 //               raised on a MEP and a PM session and cleared on a MEP
@@ -19,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "common/snapshot_file.h"
 #include "fields.h"
 #include "region.h"
 
@@ -65,15 +67,20 @@ public:
         std::memcpy(at(t, slot) + offset, std::data(bytes), bytes.size());
     }
 
-    bool save(const std::string& path) const { return ::save(path, bytes_); }
+    // Snapshot files stamped with the demo's time; raw images on request.
+    bool save(const std::string& path) const { return ::save(path, tarvtool::encode_snapshot(bytes_, time_)); }
+    bool save_raw(const std::string& path) const { return ::save(path, bytes_); }
     bool load(const std::string& path) {
-        std::FILE* f = std::fopen(path.c_str(), "rb");
-        const bool ok = f != nullptr && std::fread(bytes_.data(), 1, bytes_.size(), f) == bytes_.size();
-        return f != nullptr && std::fclose(f) == 0 && ok;
+        const tarvtool::Snapshot s =
+            tarvtool::decode_snapshot(tarvtool::read_input_file(path), path, tarvtool::SnapshotForm::Headered);
+        bytes_ = s.region;
+        time_ = s.header->time_ms;
+        return true;
     }
 
 private:
     std::vector<std::uint8_t> bytes_;
+    std::uint64_t time_ = 0;
 };
 
 // The MAC the configuration writer derives for a point on (slot, port)
@@ -214,7 +221,7 @@ int main(int argc, char** argv) {
     }
     const std::string dir = argv[1];
     Region demo;
-    const bool ok = demo.load(dir + "/demo.bin") && Region().save(dir + "/empty.bin") &&
+    const bool ok = demo.load(dir + "/demo.bin") && demo.save_raw(dir + "/demo.raw") && Region().save(dir + "/empty.bin") &&
                     demo2(demo).save(dir + "/demo2.bin") && faults(demo).save(dir + "/faults.bin") &&
                     values(demo).save(dir + "/values.bin") && save(dir + "/random.bin", random_bytes()) &&
                     save(dir + "/short.bin", std::vector<std::uint8_t>(1000));

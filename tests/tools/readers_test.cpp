@@ -18,6 +18,8 @@
 #include "common/bytes.h"
 #include "tarvctl/query.h"
 #include "common/records.h"
+#include "common/region_diff.h"
+#include "common/snapshot_file.h"
 #include "tarvctl/show.h"
 #include "common/status.h"
 #include "tarvctl/transfer.h"
@@ -332,8 +334,46 @@ TEST(TarvctlQueries, ResourceUnitsOfAMep) {
 
 // Both ends of the alarm word; the transcripts show the other changes.
 TEST(TarvctlWatch, AlarmBitsFrom0To15) {
-    EXPECT_EQ(alarm_changes("MEP 1/1/2", 0x0001, 0x8000),
+    Change change{};
+    change.kind = Change::Kind::Alarm;
+    change.name = "MEP 1/1/2";
+    change.word_before = 0x0001;
+    change.word_after = 0x8000;
+    EXPECT_EQ(change_lines(change),
               (std::vector<std::string>{"* MEP 1/1/2: alarm bit 15 raised", "* MEP 1/1/2: alarm bit 0 cleared"}));
+}
+
+// A snapshot header whose checksum holds but whose fields do not is
+// refused, each for its own reason; an intact one gives the region back.
+TEST(TarvctlSnapshot, HeaderFieldsOtherThanThisLayout) {
+    const ByteList region(kDataRegionSize, 7);
+    const ByteList good = encode_snapshot(region, 1234);
+    EXPECT_EQ(decode_snapshot(good, "f", SnapshotForm::Either).region, region);
+    EXPECT_EQ(decode_snapshot(good, "f", SnapshotForm::Headered).header->time_ms, 1234U);
+    const struct {
+        std::uint32_t offset;
+        std::uint8_t value;
+        const char* message;
+    } rows[] = {
+        {8, 65, "format 1 with a 65-byte header"},  {12, 2, "format 2"},
+        {16, 0, "a region of 452864 bytes"},        {20, 0, "and layout"},
+        {24, 2, "byte order 2"},
+    };
+    for (const auto& row : rows) {
+        ByteList file = good;
+        file[row.offset] = row.value;
+        store_le32(file.data() + 44, crc32(Bytes(file).first(44)));
+        try {
+            (void)decode_snapshot(file, "f", SnapshotForm::Either);
+            ADD_FAILURE() << row.message;
+        } catch (const Failure& f) {
+            EXPECT_EQ(f.code(), kExitIo);
+            EXPECT_NE(std::string(f.what()).find(row.message), std::string::npos) << f.what();
+        }
+    }
+    ByteList longer = good;
+    longer.push_back(0);
+    EXPECT_THROW((void)decode_snapshot(longer, "f", SnapshotForm::Either), Failure);
 }
 
 }  // namespace

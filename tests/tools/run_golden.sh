@@ -8,6 +8,7 @@
 # in bash, in a fresh directory holding the fixture's saved regions, with
 # "tarvctl" on the PATH and a shared-memory prefix of their own, which the
 # transcript shows as "T-"; whatever the commands create there is removed.
+# The time is fixed (TARV_TIME) and backups go to backups/ in that directory.
 #
 # Usage: run_golden.sh TARVCTL TRANSCRIPT FIXTURES
 # With TARV_UPDATE_GOLDEN=1 a differing transcript is rewritten instead.
@@ -19,7 +20,7 @@ work=$fixtures/run-$name
 rm -rf "$work"
 mkdir -p "$work/bin"
 ln -s "$tarvctl" "$work/bin/tarvctl"
-for f in "$fixtures"/*.bin; do ln -s "$f" "$work/"; done
+for f in "$fixtures"/*.bin "$fixtures"/*.raw; do ln -s "$f" "$work/"; done
 
 prefix="tt$$x${RANDOM}-"
 cleanup() { rm -f /dev/shm/"$prefix"*; }
@@ -37,6 +38,7 @@ while IFS= read -r line || [ -n "$line" ]; do
         (
             cd "$work" || exit 99
             export PATH="$work/bin:$PATH" TARV_SHM_PREFIX="$prefix" NO_COLOR=1 TERM=dumb
+            export TARV_TIME=2026-11-25T01:35:00.123Z TARV_BACKUP_DIR=backups
             unset TARV_DEBUG_LEVEL TARV_TRACE_LEVEL TARV_BASE_MAC TARV_SWITCH_MODE TARV_PORT_TYPES TARV_LAGS
             bash -c "${line#'$ '}" >"$work/stdout" 2>"$work/stderr"
             echo "$?" >"$work/status"

@@ -12,9 +12,11 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <memory>
 
 #include "class_catalog.h"
 #include "platform/pcor.h"
+#include "snapshot_file.h"
 #include "status.h"
 #include "tarv/tarv.h"
 #include "tarv_host.h"
@@ -30,14 +32,11 @@ constexpr std::uint32_t kWarningLevel = 2;
 
 [[noreturn]] void io_failure(const std::string& message) { throw Failure(kExitIo, message); }
 
-// Checks that `path` is a readable file of exactly one region.
+// Checks that `path` is a readable regular file.
 void check_region_file(const std::string& path) {
     struct stat st {};
     if (stat(path.c_str(), &st) != 0) io_failure(fmt::format("cannot read '{}': {}", path, error_text(errno)));
     if (!S_ISREG(st.st_mode)) io_failure(fmt::format("'{}' is not a regular file", path));
-    if (st.st_size != kDataRegionSize)
-        io_failure(fmt::format("'{}' has {} bytes, but a saved region has exactly {}", path,
-                               static_cast<long long>(st.st_size), kDataRegionSize));
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) io_failure(fmt::format("cannot read '{}': {}", path, error_text(errno)));
     close(fd);
@@ -61,6 +60,36 @@ std::string why_unmappable(const char* name, int flags, std::uint32_t size) {
     close(fd);
     return why;
 }
+
+// The region of a snapshot file as a raw image the host platform can map:
+// a private temporary file, removed once the library has mapped it.
+class RawCopy {
+public:
+    explicit RawCopy(Bytes region) {
+        const char* dir = std::getenv("TMPDIR");  // NOLINT(concurrency-mt-unsafe)
+        path_ = fmt::format("{}/tarvctl-region-XXXXXX", dir != nullptr && *dir != 0 ? dir : "/tmp");
+        const int fd = mkstemp(path_.data());
+        if (fd < 0) io_failure(fmt::format("cannot create a temporary file in {}: {}", path_, error_text(errno)));
+        std::size_t done = 0;
+        while (done < region.size()) {
+            const ssize_t n = write(fd, region.data() + done, region.size() - done);
+            if (n <= 0) break;
+            done += static_cast<std::size_t>(n);
+        }
+        close(fd);
+        if (done != region.size()) {
+            unlink(path_.c_str());
+            io_failure(fmt::format("cannot write the temporary file {}", path_));
+        }
+    }
+    RawCopy(const RawCopy&) = delete;
+    RawCopy& operator=(const RawCopy&) = delete;
+    ~RawCopy() { unlink(path_.c_str()); }
+    [[nodiscard]] const std::string& path() const noexcept { return path_; }
+
+private:
+    std::string path_;
+};
 
 }  // namespace
 
@@ -147,10 +176,14 @@ std::uint8_t* map_for_writing(const char* name, std::uint32_t size) {
 
 DataRegion DataRegion::attach(const Options& options) {
     std::string described;
+    std::unique_ptr<RawCopy> raw;  // a snapshot file's region, while it is mapped
     if (!options.region_file.empty()) {
         check_region_file(options.region_file);
-        if (TarvHost_SetRegionFile(kDataRegion, options.region_file.c_str()) != 0)
-            io_failure(fmt::format("cannot use '{}' as a region file: the path is too long", options.region_file));
+        const Snapshot saved = read_snapshot(options.region_file, SnapshotForm::Either);
+        if (saved.header) raw = std::make_unique<RawCopy>(saved.region);
+        const std::string& mapped = raw ? raw->path() : options.region_file;
+        if (TarvHost_SetRegionFile(kDataRegion, mapped.c_str()) != 0)
+            io_failure(fmt::format("cannot use '{}' as a region file: the path is too long", mapped));
         described = "file " + options.region_file;
     } else {
         described = object_name(kDataRegion);
@@ -165,15 +198,17 @@ DataRegion DataRegion::attach(const Options& options) {
     return {base, described};
 }
 
-std::vector<std::uint8_t> read_region_file(const std::string& path) {
-    check_region_file(path);
-    std::ifstream in(path, std::ios::binary);
-    std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (!in.eof() && in.fail()) io_failure(fmt::format("cannot read '{}'", path));
-    if (bytes.size() != kDataRegionSize)
-        io_failure(fmt::format("'{}' has {} bytes, but a saved region has exactly {}", path, bytes.size(),
-                               kDataRegionSize));
-    return bytes;
+Snapshot read_region_file(const std::string& path, SnapshotForm form) {
+    if (path != "-") check_region_file(path);
+    return read_snapshot(path, form);
+}
+
+std::vector<std::uint8_t> current_region() {
+    require_region(kDataRegion);
+    const auto* base =
+        static_cast<const std::uint8_t*>(Pcor__OpenShm(kDataRegion, kDataRegionSize, PCOR_SHM_READ_ONLY));
+    if (base == nullptr) io_failure(fmt::format("cannot map {}", object_name(kDataRegion)));
+    return {base, base + kDataRegionSize};
 }
 
 }  // namespace tarvtool

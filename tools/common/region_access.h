@@ -14,6 +14,7 @@
 
 #include "bytes.h"
 #include "class_catalog.h"
+#include "snapshot_file.h"
 
 namespace tarvtool {
 
@@ -54,7 +55,8 @@ void require_region(const char* name);
 // is missing; throws kExitIo when it cannot be mapped.
 [[nodiscard]] std::uint8_t* map_for_writing(const char* name, std::uint32_t size);
 
-// The data region attached for reading: the library through Tarv__Open, and
+// The data region attached for reading. A --region FILE is a snapshot file
+// or a raw image, told apart by its magic: the library through Tarv__Open, and
 // a read-only view of its bytes for what no library call reports. Throws
 // kExitNoRegion when the shared-memory region is missing and kExitIo when
 // the region file cannot be used.
@@ -75,9 +77,13 @@ private:
     std::string where_;
 };
 
-// The bytes of a saved region file; throws kExitIo when it cannot be read or
-// is not exactly one region long.
-[[nodiscard]] std::vector<std::uint8_t> read_region_file(const std::string& path);
+// A saved region file ("-": standard input) in the forms asked for; throws
+// kExitIo when it cannot be read or is not a region (see snapshot_file.h).
+[[nodiscard]] Snapshot read_region_file(const std::string& path, SnapshotForm form);
+
+// A copy of the shared-memory data region as it is now, mapped anew (not
+// through the library's view); throws kExitNoRegion when it is missing.
+[[nodiscard]] std::vector<std::uint8_t> current_region();
 
 }  // namespace tarvtool
 

@@ -33,7 +33,7 @@ $ tarvctl show chkp
 0118
 [exit 0]
 # A region that is not empty is left alone (status 5), unless --force.
-$ tarvctl snapshot load faults.bin >/dev/null; tarvctl demo
+$ tarvctl snapshot load --force faults.bin >/dev/null; tarvctl demo
 ! tarvctl: /T-kelm-data is not empty (3 MDs, 5 MAs, 9 MEPs, 3 MIPs, 3 throughput tests, 2 PM sessions, 9 bandwidth notifications); it may be a controller's: 'tarvctl demo --force' replaces it
 [exit 5]
 $ tarvctl demo --force | tail -n 1; tarvctl snapshot save again.bin >/dev/null; cmp again.bin demo.bin && echo identical

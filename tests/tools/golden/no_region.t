@@ -22,13 +22,13 @@ $ tarvctl --region missing.bin show meps
 ! tarvctl: cannot read 'missing.bin': No such file or directory
 [exit 4]
 $ tarvctl --region short.bin check
-! tarvctl: 'short.bin' has 1000 bytes, but a saved region has exactly 453075
+! tarvctl: 'short.bin': has 1000 bytes, but a raw region image has exactly 453075
 [exit 4]
 $ tarvctl --region . show
 ! tarvctl: '.' is not a regular file
 [exit 4]
 $ tarvctl snapshot load short.bin
-! tarvctl: 'short.bin' has 1000 bytes, but a saved region has exactly 453075
+! tarvctl: 'short.bin': not a snapshot file (no TARVSNAP header)
 [exit 4]
 $ tarvctl show
 ! tarvctl: no OAM data region /T-kelm-data: create one with 'tarvctl init', or choose another with --prefix, TARV_SHM_PREFIX or --region FILE
