@@ -84,7 +84,7 @@ for pid in "$watcher" "$exporter"; do
     kill -0 "$pid" 2>/dev/null && fail "process $pid did not stop on SIGTERM"
     wait "$pid" || fail "process $pid ended with $?"
 done
-pids=()
+pids=(${master:+"$master"})
 
 changes=$(wc -l <"$work/simulate.jsonl")
 [ "$changes" -gt 0 ] || fail "simulate made no change"
@@ -93,7 +93,7 @@ for n, line in enumerate(open(sys.argv[1]), 1):
     event = json.loads(line)
     assert event["schema"] == 1 and "time" in event and "event" in event, f"line {n}: {line}"
 ' "$work/simulate.jsonl" || fail "a simulate --json line does not parse"
-grep -qE '^[-+*] ' "$work/watch.txt" || fail "watch reported no change"
+grep -qE '^[^ ]+ [-+*] ' "$work/watch.txt" || fail "watch reported no change"
 [ -s "$work/textfile/tarv.prom" ] || fail "metrics wrote no textfile"
 "$tarvctl" check >/dev/null || fail "check found inconsistencies after simulate stopped: $("$tarvctl" check)"
 
@@ -101,7 +101,7 @@ if [ -n "$agentx" ]; then
     [ "$walks" -gt 0 ] || fail "the walks of the CFM MIB returned nothing"
     kill -TERM "$subagent" && wait "$subagent" || fail "tarv-agentx ended with $? on SIGTERM"
 fi
-echo "soak: $changes changes in ${seconds} s, $rounds reader rounds, $(grep -cE '^[-+*] ' "$work/watch.txt") watch lines, $walks MIB values walked"
+echo "soak: $changes changes in ${seconds} s, $rounds reader rounds, $(grep -cE '^[^ ]+ [-+*] ' "$work/watch.txt") watch lines, $walks MIB values walked"
 cleanup
 trap - EXIT
 leftover=$(ls /dev/shm | grep -c "^$prefix")

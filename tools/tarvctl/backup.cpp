@@ -80,8 +80,9 @@ std::string write_backup(Bytes region, const std::string& path) {
 }
 
 std::string undo_command(const Options& options, const std::string& backup) {
-    return options.prefix.empty() ? fmt::format("tarvctl snapshot load --force {}", backup)
-                                  : fmt::format("tarvctl --prefix {} snapshot load --force {}", options.prefix, backup);
+    if (!options.prefix) return fmt::format("tarvctl snapshot load --force {}", backup);
+    return fmt::format("tarvctl --prefix {} snapshot load --force {}",
+                       options.prefix->empty() ? "''" : *options.prefix, backup);
 }
 
 }  // namespace tarvctl

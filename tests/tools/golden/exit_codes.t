@@ -38,7 +38,7 @@ $ for c in shwo 'sanpshot save x' wtach frobnicate; do tarvctl --color never $c;
 ! Run 'tarvctl --help' for more information.
 ! tarvctl: unknown subcommand 'wtach': did you mean 'watch'?
 ! Run 'tarvctl --help' for more information.
-! tarvctl: unknown subcommand 'frobnicate': give one of init, demo, show, check, get, set, port, vlan, vfi, lag, slot, snapshot, watch
+! tarvctl: unknown subcommand 'frobnicate': give one of init, demo, show, check, get, set, port, vlan, vfi, lag, slot, snapshot, watch, simulate, metrics
 ! Run 'tarvctl --help' for more information.
 [exit 2]
 $ for r in 5-5 0-65535 10-5 4094-1; do tarvctl --region demo.bin port 1/4 --range $r --new-range 5-5 >/dev/null; echo "$r: $?"; done

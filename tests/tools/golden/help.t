@@ -6,10 +6,11 @@ Usage: tarvctl [OPTIONS] [SUBCOMMAND]
 Options:
   -h,--help                   Print this help message and exit
   --version                   Display program version information and exit
-  --prefix TEXT               Shared-memory prefix of the regions (default: TARV_SHM_PREFIX, else none: the real regions)
+  --prefix TEXT               Shared-memory prefix of the regions (default: TARV_SHM_PREFIX, else none: the real regions; '' for none)
   --region FILE               Read a saved region FILE instead of shared memory (read-only subcommands)
   --color TEXT:{auto,always,never}
                               Colour: auto (on a terminal), always, never
+  --trace                     Print the library's error and warning traces on standard error
 
 Subcommands:
   init                        Create the OAM regions, zero-filled
@@ -31,16 +32,21 @@ Subcommands:
 Exit status:
   0  done; check found nothing
   1  check found inconsistencies; port, vlan, vfi, lag: OAM does not use it; slot: the MEP does not fit
-  2  usage error: unknown subcommand, option, class or value; a malformed SLOT/PORT, VID or id; a file set refuses
+  2  usage error: unknown subcommand, option, class or value; a malformed SLOT/PORT, VID, id or range;
+     an invalid TARV_SHM_PREFIX or TARV_LAGS; a file set refuses
   3  no OAM data region in shared memory (create one with 'tarvctl init')
-  4  a file or region cannot be read, written or mapped, or has the wrong size
+  4  a file or region cannot be read, written or mapped, or has the wrong size; standard output
+     cannot be written (a full disk; a closed pipe ends tarvctl quietly)
   5  refused: demo on a region that is not empty (demo --force replaces it); simulate on the real
      region (without --force) or on one without MEPs
 
 Environment:
-  TARV_SHM_PREFIX  shared-memory prefix when --prefix is not given
-  TARV_LAGS        LAG members, e.g. 5=1/1,4/1;6=1/2 (the host platform's, not the region's)
-  NO_COLOR         no colour, even on a terminal
+  TARV_SHM_PREFIX   shared-memory prefix when --prefix is not given
+  TARV_LAGS         LAG members, e.g. 5=1/1,4/1;6=1/2 (the host platform's, not the region's)
+  NO_COLOR          when not empty: no colour, even on a terminal
+  TARV_TRACE_LEVEL  the library's trace level (errors 1, warnings 2, ...); when set, it holds with or
+                    without --trace. Unset: no trace lines, or errors and warnings with --trace
+  TARV_DEBUG_LEVEL  the library's debug lines up to this level (default 0: none)
 
 Every subcommand has --help. See tarvctl(1).
 [exit 0]

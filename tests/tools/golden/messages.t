@@ -16,9 +16,9 @@ tarv L1 Tarv__IsEndpointSTagged code=0 data/swch/api-tarv:41: MEP exists without
 tarv L1 Tarv__IsEndpointVfi code=0 data/swch/api-tarv:41: MEP exists without it's parent MAComp
 [exit 0]
 $ tarvctl demo >/dev/null; tarvctl get md | sed 's/^130201000000/1302c8000000/' >far.hex; tarvctl set md far.hex; tarvctl --trace set md far.hex 2>&1 | grep -c '^tarv L1'
-1
-! tarvctl: 'far.hex': the library refused the list, the region is unchanged: a record addresses no slot of md (531) (--trace shows the library's error trace naming it)
-[exit 0]
+0
+! tarvctl: 'far.hex' line 1: MD 200 addresses no slot of the 128 the class has; the region is unchanged
+[exit 1]
 # A region that cannot be mapped says why, before the host platform tries.
 $ d=/dev/shm/${TARV_SHM_PREFIX}kelm-data; rm $d; mkdir $d; tarvctl show; tarvctl demo; rmdir $d
 ! tarvctl: cannot map /T-kelm-data: it is not a regular file

@@ -191,7 +191,7 @@ $ tarvctl --region nothing.bin metrics
 ! tarvctl: cannot read 'nothing.bin': No such file or directory
 [exit 4]
 # Name bytes outside printable ASCII as \xHH, quote and backslash escaped.
-$ tarvctl snapshot load demo.bin >/dev/null; tarvctl get md --json | python3 -c 'import json,sys; d=json.load(sys.stdin); d["records"][0]["record"]["acMdName"]="Q\"B\\\u00e9\u0007"; json.dump(d, sys.stdout)' | tarvctl set md - >/dev/null; tarvctl metrics | grep -F 'md_info{md="1"'
+$ tarvctl snapshot load --force demo.bin >/dev/null; tarvctl get md --json | python3 -c 'import json,sys; d=json.load(sys.stdin); d["records"][0]["record"]["acMdName"]="Q\"B\\\u00e9\u0007"; json.dump(d, sys.stdout)' | tarvctl set md - >/dev/null; tarvctl metrics | grep -F 'md_info{md="1"'
 tarv_md_info{md="1",name="Q\"B\\\\xe9\\x07",level="5"} 1
 [exit 0]
 # promtool (Debian package prometheus) accepts the output, also while
@@ -199,7 +199,7 @@ tarv_md_info{md="1",name="Q\"B\\\\xe9\\x07",level="5"} 1
 $ command -v promtool >/dev/null || { echo "promtool is missing: install the Debian package prometheus"; exit 1; }; tarvctl --region demo.bin metrics | promtool check metrics && echo accepted
 accepted
 [exit 0]
-$ tarvctl snapshot load demo.bin >/dev/null; tarvctl simulate --seed 5 --changes 60 --rate 100000 --quiet; tarvctl metrics | promtool check metrics && echo accepted; tarvctl metrics | grep -c '^tarv_throughput_rate'
+$ tarvctl snapshot load --force demo.bin >/dev/null; tarvctl simulate --seed 5 --changes 60 --rate 100000 --quiet; tarvctl metrics | promtool check metrics && echo accepted; tarvctl metrics | grep -c '^tarv_throughput_rate'
 accepted
 2
 [exit 0]
@@ -213,7 +213,7 @@ $ tarvctl metrics --textfile nowhere
 ! tarvctl: --textfile: Directory does not exist: nowhere
 ! Run 'tarvctl --help' for more information.
 [exit 2]
-$ tarvctl snapshot load demo.bin >/dev/null; mkdir out2; tarvctl metrics --textfile out2 --interval 0.05 & pid=$!; until [ -e out2/tarv.prom ]; do sleep 0.02; done; sleep 0.2; kill -TERM $pid; wait $pid; echo "ended with $?"; grep -c 'region_attached.* 1$' out2/tarv.prom; ls -A out2
+$ tarvctl snapshot load --force demo.bin >/dev/null; mkdir out2; tarvctl metrics --textfile out2 --interval 0.05 & pid=$!; until [ -e out2/tarv.prom ]; do sleep 0.02; done; sleep 0.2; kill -TERM $pid; wait $pid; echo "ended with $?"; grep -c 'region_attached.* 1$' out2/tarv.prom; ls -A out2
 ended with 0
 1
 tarv.prom

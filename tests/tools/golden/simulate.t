@@ -1,6 +1,6 @@
 # simulate plays the controller on the demo region: the same seed makes the
 # same changes, and between changes check finds nothing.
-$ tarvctl snapshot load demo.bin >/dev/null && tarvctl simulate --seed 7 --changes 40 --rate 100000 | tee a.txt
+$ tarvctl snapshot load --force demo.bin >/dev/null && tarvctl simulate --seed 7 --changes 40 --rate 100000 | tee a.txt
 bandwidth notification 1/1/1: 10 Mbit/s, priority 3
 bandwidth notification 2/2/4: 2500 Mbit/s, priority 6
 bandwidth notification 2/2/6: 10000 Mbit/s, priority 4
@@ -45,7 +45,7 @@ MEP 1/1/2: alarm bit 1 (loss of continuity) cleared, text "MAC status defect rep
 $ tarvctl check
 no findings in /T-kelm-data
 [exit 0]
-$ tarvctl snapshot load demo.bin >/dev/null && tarvctl simulate --seed 7 --changes 40 --rate 100000 --json > a.json && cmp <(tarvctl snapshot load demo.bin >/dev/null && tarvctl simulate --seed 7 --changes 40 --rate 100000) a.txt && echo same changes
+$ tarvctl snapshot load --force demo.bin >/dev/null && tarvctl simulate --seed 7 --changes 40 --rate 100000 --json > a.json && cmp <(tarvctl snapshot load --force demo.bin >/dev/null && tarvctl simulate --seed 7 --changes 40 --rate 100000) a.txt && echo same changes
 same changes
 [exit 0]
 # --json: one object per line, in the same sequence; "time" differs from run to run.
@@ -55,7 +55,7 @@ $ python3 -c 'import json,sys; lines=[json.loads(l) for l in open("a.json")]; pr
 [exit 0]
 # A longer run removes MEPs with their throughput tests and PM sessions and
 # puts them back; the region stays consistent.
-$ tarvctl snapshot load demo.bin >/dev/null && tarvctl simulate --seed 3 --changes 400 --rate 100000 | grep -E 'removed|put back' | sort | uniq -c; tarvctl check
+$ tarvctl snapshot load --force demo.bin >/dev/null && tarvctl simulate --seed 3 --changes 400 --rate 100000 | grep -E 'removed|put back' | sort | uniq -c; tarvctl check
       3 MEP 1/1/1 put back through Tarv__SetConfig
       3 MEP 1/1/1 removed through Tarv__SetConfig, with 1 throughput test and 1 PM session
       4 MEP 1/1/2 put back through Tarv__SetConfig
@@ -72,14 +72,14 @@ no findings in /T-kelm-data
 $ env -u TARV_SHM_PREFIX tarvctl simulate --changes 1
 ! tarvctl: /kelm-data is the real region, which the OAM controller writes: choose a private one with --prefix or TARV_SHM_PREFIX ('simulate --force' plays the controller there)
 [exit 5]
-$ tarvctl init >/dev/null; tarvctl snapshot load empty.bin >/dev/null; tarvctl simulate --changes 1
+$ tarvctl init >/dev/null; tarvctl snapshot load --force empty.bin >/dev/null; tarvctl simulate --changes 1
 ! tarvctl: /T-kelm-data holds no MEP, so there is nothing to simulate: write a configuration first ('tarvctl demo' or 'tarvctl snapshot load')
 [exit 5]
 $ tarvctl --region demo.bin simulate --changes 1
 ! tarvctl: --region: 'simulate' writes shared memory and cannot run on a region file
 [exit 2]
 # --duration ends it, and so does SIGTERM, each with status 0; --quiet prints nothing.
-$ tarvctl snapshot load demo.bin >/dev/null; tarvctl simulate --seed 1 --rate 1000 --duration 0.2 --quiet; echo "ended with $?"
+$ tarvctl snapshot load --force demo.bin >/dev/null; tarvctl simulate --seed 1 --rate 1000 --duration 0.2 --quiet; echo "ended with $?"
 ended with 0
 [exit 0]
 $ tarvctl simulate --seed 1 --rate 50 > s.txt & pid=$!; until [ -s s.txt ]; do sleep 0.02; done; kill -TERM $pid; wait $pid; echo "ended with $?"; tarvctl check

@@ -32,8 +32,8 @@ form: raw region image (no header), 453075 bytes
 # --force; what is refused leaves the region byte for byte as it was.
 $ tarvctl snapshot load demo2.bin; tarvctl snapshot load faults.bin; head -c 453075 /dev/zero | tr '\0' 'z' >junk.raw; tarvctl snapshot load --raw junk.raw
 ! tarvctl: /T-kelm-data is not empty: give --force to replace it (a backup of it is left first)
-! tarvctl: 'faults.bin': check finds 13 inconsistencies (the first: MepMoidArray slot 6: MEP 1/9/7: its MA 1/9 is missing); give --force to load it anyway
-! tarvctl: 'junk.raw': check finds 15050 inconsistencies (the first: Class526MoidArray slot 0: class 526 object 2054847098/2054847098/2054847098/2054847098: key of class 31354 in the table of class 526); give --force to load it anyway
+! tarvctl: 'faults.bin': check finds 16 inconsistencies (the first: MepMoidArray slot 6: MEP 1/9/7: its MA 1/9 is missing); give --force to load it anyway
+! tarvctl: 'junk.raw': check finds 15338 inconsistencies (the first: Class526MoidArray slot 0: class 526 object 2054847098/2054847098/2054847098/2054847098: key of class 31354 in the table of class 526); give --force to load it anyway
 [exit 5]
 $ tarvctl snapshot save after.bin >/dev/null; cmp after.bin demo.bin && echo unchanged
 unchanged
@@ -54,7 +54,7 @@ unchanged
 [exit 0]
 # A forced load leaves a backup and prints the command that undoes it.
 $ undo=$(tarvctl snapshot load --force faults.bin | tee /dev/stderr | sed -n 's/^undo: //p'); tarvctl check | tail -n 1; $undo; tarvctl snapshot save after.bin >/dev/null; cmp after.bin demo.bin && echo restored
-13 findings in /T-kelm-data
+16 findings in /T-kelm-data: duplicateKey 1, emptyRecord 3, missingParent 5, noComponent 1, noSlot 1, recordBehindEmptyKey 1, sessionMismatch 1, slotZero 1, wrongClass 1, wrongSlot 1
 loaded backups/T-kelm-data-20261125T013500.123Z.snap into /T-kelm-data
 backup: backups/T-kelm-data-20261125T013500.123Z-2.snap
 undo: tarvctl snapshot load --force backups/T-kelm-data-20261125T013500.123Z-2.snap

@@ -1,10 +1,10 @@
 # Bad command lines end with status 2 before anything is read or written.
 $ tarvctl
-! tarvctl: a subcommand is required: init, demo, show, port, vlan, vfi, lag, slot, check, get, set, snapshot, watch, simulate or metrics
+! tarvctl: a subcommand is required: init, demo, show, check, get, set, port, vlan, vfi, lag, slot, snapshot, watch, simulate, metrics
 ! Run 'tarvctl --help' for more information.
 [exit 2]
 $ tarvctl frobnicate
-! tarvctl: The following argument was not expected: frobnicate
+! tarvctl: unknown subcommand 'frobnicate': give one of init, demo, show, check, get, set, port, vlan, vfi, lag, slot, snapshot, watch, simulate, metrics
 ! Run 'tarvctl --help' for more information.
 [exit 2]
 $ tarvctl show frob
