@@ -429,19 +429,6 @@ Json mep_json(const Configuration& c, std::uint32_t md, std::uint32_t ma, std::u
             {"port", m != nullptr ? place_json(m->slot, m->port) : Json(nullptr)}};
 }
 
-std::vector<std::string> alarm_changes(std::string_view name, std::uint16_t before, std::uint16_t now) {
-    std::vector<std::string> lines;
-    auto add = [&](std::uint16_t bits, std::string_view how) {
-        if (bits == 0) return;
-        const auto numbers = bits_of(bits);
-        lines.push_back(fmt::format("* {}: alarm {} {} {}", name, numbers.size() == 1 ? "bit" : "bits",
-                                    fmt::join(numbers, ", "), how));
-    };
-    add(static_cast<std::uint16_t>(now & ~before), "raised");
-    add(static_cast<std::uint16_t>(before & ~now), "cleared");
-    return lines;
-}
-
 std::string summary(const Configuration& c) {
     return fmt::format("{}, {}, {}, {}, {}, {}, {}", count_text(c.mds.size(), "MD", "MDs"),
                        count_text(c.mas.size(), "MA", "MAs"), count_text(c.meps.size(), "MEP", "MEPs"),

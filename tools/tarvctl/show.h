@@ -16,11 +16,6 @@ using namespace tarvtool;  // the shared tool library
 // "3 MDs, 3 MAs, 5 MEPs, 2 MIPs, 1 throughput test, 2 PM sessions, 5 bandwidth notifications".
 [[nodiscard]] std::string summary(const Configuration& c);
 
-// The lines `watch` prints when an alarm word changes from `before` to
-// `now`: "* NAME: alarm bits 0, 2 raised", then "... cleared".
-[[nodiscard]] std::vector<std::string> alarm_changes(std::string_view name, std::uint16_t before,
-                                                     std::uint16_t now);
-
 // Where a point sits, in JSON: {"slot": 4, "port": 2}, or {"lag": 6} on a
 // LAG.
 [[nodiscard]] Json place_json(std::uint8_t slot, std::uint8_t port);
