@@ -94,7 +94,9 @@ TEST_P(EveryClass, WritesItsRecordsAndDerivedEntriesAndNothingElse) {
     std::memset(pStorData, 0xA5, kRegionSize);
     Bytes want = snapshot();
     std::vector<std::pair<std::uint32_t, Bytes>> placed;  // slot, transfer record
+    // 519 and 523 store a record whose first byte is zero; only 673 keeps its value then.
     if (c.rule == ClassRule::Singleton) placed = {{0, transfer(c, 0, 0x3C)}};
+    if (c.rule == ClassRule::Singleton && c.id != 673) placed[0].second[0] = 0;
     if (c.placement == Placement::LastId) placed = {{last, transfer(c, c.slots(), 0x3C)}, {0, transfer(c, 1, 0x5A)}};
     if (c.placement == Placement::SessionId) placed = {{8, transfer(c, 8, 0x3C)}, {1, transfer(c, 1, 0x5A)}};
     if (c.placement == Placement::Packed) placed = {{0, transfer(c, 9, 0x3C)}, {1, transfer(c, 1, 0x5A)}};
