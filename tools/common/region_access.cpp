@@ -84,6 +84,8 @@ public:
     }
     RawCopy(const RawCopy&) = delete;
     RawCopy& operator=(const RawCopy&) = delete;
+    RawCopy(RawCopy&&) = delete;
+    RawCopy& operator=(RawCopy&&) = delete;
     ~RawCopy() { unlink(path_.c_str()); }
     [[nodiscard]] const std::string& path() const noexcept { return path_; }
 

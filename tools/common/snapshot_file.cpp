@@ -10,6 +10,7 @@
 #include <ctime>
 #include <fstream>
 #include <iostream>
+#include <string_view>
 #include <iterator>
 
 #include "api-tarv/region.h"
@@ -165,12 +166,29 @@ Snapshot read_snapshot(const std::string& path, SnapshotForm form) {
 std::uint64_t now_ms() {
     // Read before any thread starts; the tools never change their environment.
     if (const char* fixed = std::getenv("TARV_TIME")) {  // NOLINT(concurrency-mt-unsafe)
+        // "2026-11-25T01:35:00.123Z": digits and separators at fixed places.
+        const std::string_view t(fixed);
+        constexpr std::string_view kShape = "dddd-dd-ddTdd:dd:dd.dddZ";
+        bool valid = t.size() == kShape.size();
+        for (std::size_t i = 0; valid && i < t.size(); ++i)
+            valid = kShape[i] == 'd' ? t[i] >= '0' && t[i] <= '9' : t[i] == kShape[i];
+        auto number = [&](std::size_t at, std::size_t digits) {
+            int value = 0;
+            for (std::size_t i = at; i < at + digits; ++i) value = value * 10 + (t[i] - '0');
+            return value;
+        };
         std::tm tm{};
         int ms = 0;
-        char zone = 0;
-        const int n = std::sscanf(fixed, "%4d-%2d-%2dT%2d:%2d:%2d.%3d%c", &tm.tm_year, &tm.tm_mon, &tm.tm_mday,
-                                  &tm.tm_hour, &tm.tm_min, &tm.tm_sec, &ms, &zone);
-        if (n != 8 || zone != 'Z')
+        if (valid) {
+            tm.tm_year = number(0, 4);
+            tm.tm_mon = number(5, 2);
+            tm.tm_mday = number(8, 2);
+            tm.tm_hour = number(11, 2);
+            tm.tm_min = number(14, 2);
+            tm.tm_sec = number(17, 2);
+            ms = number(20, 3);
+        }
+        if (!valid)
             throw Failure(kExitUsage, fmt::format("invalid TARV_TIME '{}': expected UTC such as "
                                                   "2026-11-25T01:35:00.123Z",
                                                   fixed));
