@@ -50,7 +50,7 @@ std::string backup_dir() {
         const char* v = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
         return v != nullptr ? v : "";
     };
-    if (const std::string dir = env("TARV_BACKUP_DIR"); !dir.empty()) return dir;
+    if (std::string dir = env("TARV_BACKUP_DIR"); !dir.empty()) return dir;
     if (const std::string state = env("XDG_STATE_HOME"); !state.empty()) return state + "/tarvctl";
     const std::string home = env("HOME");
     if (home.empty())
@@ -69,7 +69,7 @@ std::string write_backup(Bytes region, const std::string& path) {
     std::string object = object_name(kDataRegion).substr(1);
     const std::string stem = fmt::format("{}/{}-{}", dir, object, file_time(now_ms()));
     for (int n = 1; n <= 1000; ++n) {
-        const std::string name = n == 1 ? stem + ".snap" : fmt::format("{}-{}.snap", stem, n);
+        std::string name = n == 1 ? stem + ".snap" : fmt::format("{}-{}.snap", stem, n);
         const int fd = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         if (fd < 0 && errno == EEXIST) continue;
         if (fd < 0) throw Failure(kExitIo, fmt::format("cannot create the backup '{}': {}", name, error_text(errno)));
