@@ -173,6 +173,11 @@ std::vector<std::uint8_t> dry_run(Bytes before, const ClassDef& c, const std::ve
     const std::string prefix = fmt::format("tarvctl-dry-run-{}-", getpid());
     if (TarvHost_SetShmPrefix(prefix.c_str()) != 0) throw Failure(kExitIo, "cannot name a private copy of the region");
     struct Remove {
+        Remove() = default;
+        Remove(const Remove&) = delete;
+        Remove& operator=(const Remove&) = delete;
+        Remove(Remove&&) = delete;
+        Remove& operator=(Remove&&) = delete;
         ~Remove() { shm_unlink(object_name(kDataRegion).c_str()); }
     } remove;
     std::uint8_t* copy = map_for_writing(kDataRegion, kDataRegionSize);
